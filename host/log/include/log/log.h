@@ -1,0 +1,4 @@
+#pragma once
+
+#include <android/log.h>
+#include <log/log_main.h>
