@@ -161,18 +161,23 @@ SpAIBinder BnCInterface<INTERFACE>::asBinder() {
     return binder;
 }
 
+namespace internal {
+
+template <typename T>
+using IfSharedRefBase = std::enable_if_t<std::is_base_of_v<SharedRefBase, T>>;
+
+}  // namespace internal
+
 }  // namespace ndk
 
 // Objects derived from SharedRefBase come only from SharedRefBase::make: these overloads make
 // the standard factories ambiguous or deleted for them, so a mistake fails to compile.
 namespace std {
 
-template <typename T, typename... Args>
-requires is_base_of_v<::ndk::SharedRefBase, T> shared_ptr<T> make_shared(Args&&...)
-= delete;
+template <typename T, typename... Args, typename = ::ndk::internal::IfSharedRefBase<T>>
+shared_ptr<T> make_shared(Args&&...) = delete;
 
-template <typename T, typename... Args>
-requires is_base_of_v<::ndk::SharedRefBase, T> unique_ptr<T> make_unique(Args&&...)
-= delete;
+template <typename T, typename... Args, typename = ::ndk::internal::IfSharedRefBase<T>>
+unique_ptr<T> make_unique(Args&&...) = delete;
 
 }  // namespace std
