@@ -27,6 +27,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <ostream>
 #include <set>
 #include <string>
 #include <type_traits>
@@ -53,6 +54,10 @@ struct NameCase {
     std::string printed;
     std::string expected;
 };
+
+void PrintTo(const NameCase& c, std::ostream* os) {
+    *os << c.printed;
+}
 
 class EnumNameTest : public ::testing::TestWithParam<NameCase> {};
 
@@ -182,6 +187,10 @@ struct DataspaceParts {
     gc::Dataspace transfer;
     gc::Dataspace range;
 };
+
+void PrintTo(const DataspaceParts& p, std::ostream* os) {
+    *os << toString(p.composite);
+}
 
 class DataspaceCompositionTest : public ::testing::TestWithParam<DataspaceParts> {};
 

@@ -22,6 +22,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,10 @@ struct PrintCase {
     std::function<std::string()> print;
     std::string expected;
 };
+
+void PrintTo(const PrintCase& c, std::ostream* os) {
+    *os << c.name;
+}
 
 template <typename T>
 PrintCase defaultOf(const char* name, std::string expected) {
@@ -180,7 +185,7 @@ const std::vector<PrintCase> kWorkedExamples = {
          [] { return cd::toString(cd::BufferRequestStatus::FAILED_PARTIAL); }, "FAILED_PARTIAL"},
         {"BufferRequestStatusUnknown", [] { return cd::toString(cd::BufferRequestStatus(7)); }, "7"},
         {"NotifyMsgTagName", [] { return cd::toString(cd::NotifyMsg::Tag::shutter); }, "shutter"},
-        {"CombinedUsageInStream",
+        {"CombinedUsageBits",
          [] {
              cd::Stream s;
              s.usage = gc::BufferUsage(static_cast<int64_t>(gc::BufferUsage::GPU_TEXTURE) |

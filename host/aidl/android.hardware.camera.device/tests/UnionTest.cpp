@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <ostream>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -80,6 +81,10 @@ struct OrderCase {
     Notify rhs;
     int expected;  // sign of lhs <=> rhs
 };
+
+void PrintTo(const OrderCase& c, std::ostream* os) {
+    *os << c.lhs.toString() << " vs " << c.rhs.toString();
+}
 
 class UnionOrderTest : public ::testing::TestWithParam<OrderCase> {};
 

@@ -1,7 +1,6 @@
-// Gralloc usage bits, a 64-bit set. There are no operators: combine by casting to int64_t. A
-// combination that is not itself an enumerator prints as decimal. AIDL enum
-// android.hardware.graphics.common.BufferUsage (V5) in the NDK backend's shape; printed by name
-// through toString(), unknown values as decimal.
+// Gralloc usage bits, a 64-bit set. There are no operators: combine by casting to int64_t. AIDL
+// enum android.hardware.graphics.common.BufferUsage (V5) in the NDK backend's shape; printed by
+// name through toString(), unknown values as decimal.
 #pragma once
 
 #include <android/binder_enums.h>

@@ -1,7 +1,7 @@
 // Dataspace of a buffer: standard, transfer and range fields (bits 16..29), or a stand-alone code
 // below 0x10000. Values equal the platform's HAL_DATASPACE_* numbers; combinations that are not
-// enumerators are legal and print as decimal. AIDL enum android.hardware.graphics.common.Dataspace
-// (V5) in the NDK backend's shape; printed by name through toString(), unknown values as decimal.
+// enumerators are legal. AIDL enum android.hardware.graphics.common.Dataspace (V5) in the NDK
+// backend's shape; printed by name through toString(), unknown values as decimal.
 #pragma once
 
 #include <android/binder_enums.h>
