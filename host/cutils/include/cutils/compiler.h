@@ -16,4 +16,6 @@
 #define CC_UNLIKELY(exp) (exp)
 #endif
 
+#ifndef ANDROID_API
 #define ANDROID_API __attribute__((visibility("default")))
+#endif
