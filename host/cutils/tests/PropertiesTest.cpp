@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <map>
 #include <string>
 #include <thread>
@@ -20,31 +19,24 @@ protected:
     void TearDown() override { android::testing::clearProperties(); }
 };
 
-struct IntCase {
-    const char* value;  // nullptr: property missing
-    int32_t int32;      // with default -7
-    int64_t int64;      // with default -7
-};
-
 TEST_F(PropertiesTest, IntegersParseLikeStrtoimaxWithBaseZero) {
-    const IntCase kCases[] = {
+    struct Case {
+        const char* value;  // nullptr: property missing
+        int32_t int32;      // default -7
+        int64_t int64;      // default -7
+    };
+    const Case kCases[] = {
             {nullptr, -7, -7},
             {"", -7, -7},
-            {"42", 42, 42},
             {"-42", -42, -42},
-            {"+7", 7, 7},
-            {"  12", 12, 12},
+            {" +7", 7, 7},
             {"010", 8, 8},
             {"08", 0, 0},
             {"0x1F", 31, 31},
-            {"0X10", 16, 16},
-            {"-0x10", -16, -16},
-            {"0x", 0, 0},
+            {"-0X10", -16, -16},
             {"12abc", 12, 12},
-            {"12 34", 12, 12},
             {"abc", -7, -7},
             {"-", -7, -7},
-            {" ", -7, -7},
             {"2147483647", INT32_MAX, INT32_MAX},
             {"-2147483648", INT32_MIN, INT32_MIN},
             {"2147483648", -7, 2147483648LL},
@@ -53,9 +45,8 @@ TEST_F(PropertiesTest, IntegersParseLikeStrtoimaxWithBaseZero) {
             {"-9223372036854775808", -7, INT64_MIN},
             {"9223372036854775808", -7, -7},
             {"-9223372036854775809", -7, -7},
-            {"99999999999999999999999", -7, -7},
     };
-    for (const IntCase& c : kCases) {
+    for (const Case& c : kCases) {
         android::testing::clearProperties();
         if (c.value != nullptr) {
             ASSERT_EQ(0, property_set(kKey, c.value)) << c.value;
@@ -71,120 +62,87 @@ TEST_F(PropertiesTest, IntegerParsingPreservesErrnoEvenOnOverflow) {
     errno = EDOM;
     EXPECT_EQ(5, property_get_int64(kKey, 5));
     EXPECT_EQ(EDOM, errno);
-    ASSERT_EQ(0, property_set(kKey, "17"));
-    EXPECT_EQ(17, property_get_int32(kKey, 5));
-    EXPECT_EQ(EDOM, errno);
 }
 
 TEST_F(PropertiesTest, BooleansAcceptOnlyTheExactWords) {
     const std::map<std::string, int8_t> kCases = {
-            {"1", 1},  {"y", 1},     {"yes", 1},  {"true", 1},  {"on", 1},
-            {"0", 0},  {"n", 0},     {"no", 0},   {"false", 0}, {"off", 0},
-            {"Y", -1}, {"TRUE", -1}, {"Yes", -1}, {" on", -1},  {"on ", -1},
-            {"2", -1}, {"yess", -1}, {"of", -1},  {"t", -1},    {"", -1},
+            {"1", 1},    {"y", 1},    {"yes", 1},   {"true", 1}, {"on", 1}, {"0", 0},
+            {"n", 0},    {"no", 0},   {"false", 0}, {"off", 0},  {"Y", -1}, {"TRUE", -1},
+            {" on", -1}, {"on ", -1}, {"2", -1},    {"of", -1},  {"", -1},
     };
     for (const auto& [value, expected] : kCases) {
         ASSERT_EQ(0, property_set(kKey, value.c_str()));
         EXPECT_EQ(expected, property_get_bool(kKey, -1)) << '"' << value << '"';
     }
-    android::testing::clearProperties();
-    EXPECT_EQ(1, property_get_bool(kKey, 1));
+}
+
+TEST_F(PropertiesTest, GetFallsBackToTheDefaultCutToTheBuffer) {
+    char value[PROPERTY_VALUE_MAX + 1];
+    value[PROPERTY_VALUE_MAX] = 'x';
+    EXPECT_EQ(4, property_get(kKey, value, "fall"));
+    EXPECT_STREQ("fall", value);
+    EXPECT_EQ(0, property_get(kKey, value, nullptr));
+    EXPECT_STREQ("", value);
+    EXPECT_EQ(91, property_get(kKey, value, std::string(200, 'd').c_str()));
+    EXPECT_EQ(std::string(91, 'd'), value);
+    EXPECT_EQ('x', value[PROPERTY_VALUE_MAX]);
+
+    ASSERT_EQ(0, property_set(kKey, "stored"));
+    EXPECT_EQ(6, property_get(kKey, value, "fall"));
+    EXPECT_STREQ("stored", value);
+    ASSERT_EQ(0, property_set(kKey, nullptr));  // empty again
+    EXPECT_EQ(4, property_get(kKey, value, "fall"));
 }
 
 TEST_F(PropertiesTest, NullKeyYieldsTheDefault) {
     EXPECT_EQ(3, property_get_int32(nullptr, 3));
     EXPECT_EQ(-4, property_get_int64(nullptr, -4));
     EXPECT_EQ(1, property_get_bool(nullptr, 1));
-    char value[PROPERTY_VALUE_MAX];
-    EXPECT_EQ(3, property_get(nullptr, value, "def"));
-    EXPECT_STREQ("def", value);
     EXPECT_EQ(-1, property_set(nullptr, "1"));
 }
 
-TEST_F(PropertiesTest, GetFallsBackToTheDefaultForMissingOrEmptyValues) {
-    char value[PROPERTY_VALUE_MAX];
-    EXPECT_EQ(4, property_get(kKey, value, "fall"));
-    EXPECT_STREQ("fall", value);
-    EXPECT_EQ(0, property_get(kKey, value, nullptr));
-    EXPECT_STREQ("", value);
-
-    ASSERT_EQ(0, property_set(kKey, ""));
-    EXPECT_EQ(4, property_get(kKey, value, "fall"));
-
-    ASSERT_EQ(0, property_set(kKey, "stored"));
-    EXPECT_EQ(6, property_get(kKey, value, "fall"));
-    EXPECT_STREQ("stored", value);
-}
-
-TEST_F(PropertiesTest, LongDefaultsAreCutToTheValueBuffer) {
-    std::string longDefault(200, 'd');
-    char value[PROPERTY_VALUE_MAX + 8];
-    memset(value, 'x', sizeof(value));
-    EXPECT_EQ(PROPERTY_VALUE_MAX - 1, property_get(kKey, value, longDefault.c_str()));
-    EXPECT_EQ(std::string(PROPERTY_VALUE_MAX - 1, 'd'), value);
-    EXPECT_EQ('x', value[PROPERTY_VALUE_MAX]);
-}
-
-TEST_F(PropertiesTest, SetRejectsIllegalNamesAndOverlongValues) {
-    const char* kBadNames[] = {"", ".a", "a.", "a..b", "a b", "a/b", "a*", "ä"};
-    for (const char* name : kBadNames) EXPECT_EQ(-1, property_set(name, "1")) << name;
+TEST_F(PropertiesTest, SetRejectsIllegalNamesLongValuesAndReadOnlyChanges) {
+    for (const char* name : {"", ".a", "a.", "a..b", "a b", "a/b"}) {
+        EXPECT_EQ(-1, property_set(name, "1")) << name;
+    }
     EXPECT_EQ(0, property_set("Vendor.debug-1_x@2:3.a", "1"));
+    EXPECT_EQ(-1, property_set(kKey, std::string(92, 'v').c_str()));
+    EXPECT_EQ(0, property_set(kKey, std::string(91, 'v').c_str()));
 
-    EXPECT_EQ(-1, property_set(kKey, std::string(PROPERTY_VALUE_MAX, 'v').c_str()));
-    EXPECT_EQ(0, property_set(kKey, std::string(PROPERTY_VALUE_MAX - 1, 'v').c_str()));
-    char value[PROPERTY_VALUE_MAX];
-    EXPECT_EQ(PROPERTY_VALUE_MAX - 1, property_get(kKey, value, nullptr));
-}
-
-TEST_F(PropertiesTest, NullValueClearsTheProperty) {
-    ASSERT_EQ(0, property_set(kKey, "5"));
-    ASSERT_EQ(0, property_set(kKey, nullptr));
-    EXPECT_EQ(9, property_get_int32(kKey, 9));
-}
-
-TEST_F(PropertiesTest, ReadOnlyPropertiesAreSetOnce) {
     EXPECT_EQ(0, property_set("ro.camera.x", "1"));
     EXPECT_EQ(-1, property_set("ro.camera.x", "2"));
     EXPECT_EQ(1, property_get_int32("ro.camera.x", 0));
-    EXPECT_EQ(0, property_set("vendor.ro.camera.x", "1"));
-    EXPECT_EQ(0, property_set("vendor.ro.camera.x", "2"));
 }
 
 TEST_F(PropertiesTest, ListVisitsEveryPropertyAndMayWriteFromTheCallback) {
     ASSERT_EQ(0, property_set("a.one", "1"));
     ASSERT_EQ(0, property_set("b.two", "2"));
     std::map<std::string, std::string> seen;
-    EXPECT_EQ(0, property_list(
-                         [](const char* key, const char* value, void* cookie) {
-                             (*static_cast<std::map<std::string, std::string>*>(cookie))[key] =
-                                     value;
-                             property_set("c.written", "3");
-                         },
-                         &seen));
+    auto visit = [](const char* key, const char* value, void* cookie) {
+        (*static_cast<std::map<std::string, std::string>*>(cookie))[key] = value;
+        property_set("c.written", "3");
+    };
+    EXPECT_EQ(0, property_list(visit, &seen));
     EXPECT_EQ((std::map<std::string, std::string>{{"a.one", "1"}, {"b.two", "2"}}), seen);
     EXPECT_EQ(3, property_get_int32("c.written", 0));
 }
 
 TEST_F(PropertiesTest, ConcurrentReadersSeeWholeValues) {
     const std::string kValues[] = {std::string(40, 'a'), std::string(60, 'b')};
-    std::vector<std::thread> threads;
-    for (int w = 0; w < 2; ++w) {
-        threads.emplace_back([&, w] {
-            for (int i = 0; i < 500; ++i) property_set(kKey, kValues[(i + w) % 2].c_str());
-        });
-    }
-    std::vector<int> badReads(2, 0);
-    for (int r = 0; r < 2; ++r) {
-        threads.emplace_back([&, r] {
-            char value[PROPERTY_VALUE_MAX];
-            for (int i = 0; i < 500; ++i) {
-                property_get(kKey, value, kValues[0].c_str());
-                if (value != kValues[0] && value != kValues[1]) ++badReads[r];
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(std::vector<int>({0, 0}), badReads);
+    int badReads = 0;
+    std::thread writer([&] {
+        for (int i = 0; i < 1000; ++i) property_set(kKey, kValues[i % 2].c_str());
+    });
+    std::thread reader([&] {
+        char value[PROPERTY_VALUE_MAX];
+        for (int i = 0; i < 1000; ++i) {
+            property_get(kKey, value, kValues[0].c_str());
+            if (value != kValues[0] && value != kValues[1]) ++badReads;
+        }
+    });
+    writer.join();
+    reader.join();
+    EXPECT_EQ(0, badReads);
 }
 
 }  // namespace
