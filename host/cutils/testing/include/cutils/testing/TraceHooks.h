@@ -1,8 +1,8 @@
 /*
  * Test and tool hooks of the libcutils trace stand-in: set the enabled-tags word that
  * atrace_get_enabled_tags() returns, and receive every event that reaches a body function.
- * The recorder is called on the tracing thread, one event at a time (calls never overlap), and
- * is never called again once setTraceRecorder() has replaced it.
+ * The recorder is called on the tracing thread, one event at a time (calls never overlap, and it
+ * must not trace itself), and is never called again once setTraceRecorder() has replaced it.
  */
 #pragma once
 
