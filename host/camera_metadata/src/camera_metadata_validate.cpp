@@ -1,6 +1,9 @@
 // Structural check of packets that arrive from another process. Every read goes through memcpy
 // from an offset proven to lie inside the packet, so any address alignment works and a
-// malformed packet is rejected without touching a byte outside it.
+// malformed packet is rejected without touching a byte outside it. Beyond the platform's own
+// checks, the header, entry slots and data blocks in use must be disjoint and in order: the
+// platform library never writes anything else, and a packet that passes can then be read,
+// cloned and changed without leaving its bytes.
 #define LOG_TAG "camera_metadata"
 
 #include <inttypes.h>
@@ -67,6 +70,12 @@ bool validateEntry(const camera_metadata_t& header, const uint8_t* packet, uint3
                   __func__, index, dataEnd, header.data_capacity);
             return false;
         }
+        // Blocks past the data in use would be lost by a copy or a clone.
+        if (dataEnd > header.data_count) {
+            ALOGE("%s: Entry index %" PRIu32 " data ends (%zu) beyond the data in use (%" PRIu32 ")",
+                  __func__, index, dataEnd, header.data_count);
+            return false;
+        }
     } else if (entry.count == 0 && entry.data.offset != 0) {
         const char* tagName = get_camera_metadata_tag_name(entry.tag);
         ALOGE("%s: Entry index %" PRIu32 " had 0 items, but offset was non-0 (%" PRIu32
@@ -115,7 +124,7 @@ int validate_camera_metadata_structure(const camera_metadata_t* metadata,
         return CAMERA_METADATA_VALIDATION_ERROR;
     }
     // The entry count, not its byte size, is compared with data_start, as the platform library
-    // does; the byte extent of the entries in use is checked right after.
+    // does; the byte extent of the entry slots is checked further down.
     uint32_t entriesEnd = header.entries_start + header.entry_capacity;
     if (entriesEnd < header.entries_start || entriesEnd > header.data_start) {
         ALOGE("%s: Entry start + capacity (%" PRIu32 ") should be <= data start (%" PRIu32 ")",
@@ -128,11 +137,17 @@ int validate_camera_metadata_structure(const camera_metadata_t* metadata,
               __func__, dataEnd, header.size);
         return CAMERA_METADATA_VALIDATION_ERROR;
     }
-    uint64_t usedEntriesEnd =
-            header.entries_start + uint64_t{sizeof(BufferEntry)} * header.entry_count;
-    if (usedEntriesEnd > header.size) {
-        ALOGE("%s: Entries in use end at %" PRIu64 ", beyond the total size (%" PRIu32 ")",
-              __func__, usedEntriesEnd, header.size);
+    // The header, the entry slots and the data area must not overlap, so that whatever a caller
+    // later adds, updates or deletes stays inside the packet.
+    if (header.entries_start < sizeof(camera_metadata_t)) {
+        ALOGE("%s: Entries start (%" PRIu32 ") inside the header", __func__, header.entries_start);
+        return CAMERA_METADATA_VALIDATION_ERROR;
+    }
+    uint64_t entrySlotsEnd =
+            header.entries_start + uint64_t{sizeof(BufferEntry)} * header.entry_capacity;
+    if (entrySlotsEnd > header.data_start) {
+        ALOGE("%s: Entry slots end at %" PRIu64 ", past the data start (%" PRIu32 ")", __func__,
+              entrySlotsEnd, header.data_start);
         return CAMERA_METADATA_VALIDATION_ERROR;
     }
 
