@@ -15,20 +15,14 @@ using aidl::android::hardware::common::fmq::GrantorDescriptor;
 
 namespace {
 
-struct Region {
-    int32_t fdIndex;
-    int32_t offset;
-    int64_t extent;
-};
-
 struct LayoutCase {
     const char* name;
     size_t elementSize;
     size_t count;
     bool eventFlag;
-    size_t bufferSize;  // 0: the queue allocates the ring itself
-    std::vector<Region> grantors;
-    std::vector<off_t> fdSizes;
+    size_t bufferSize;     // 0: the queue allocates the ring itself
+    const char* grantors;  // "fdIndex:offset/extent" of each grantor
+    const char* fdSizes;
 };
 
 template <typename T>
@@ -40,60 +34,31 @@ void expectLayout(const LayoutCase& c) {
     auto desc = queue.dupeDesc();
     EXPECT_EQ(static_cast<int32_t>(sizeof(T)), desc.quantum);
     EXPECT_EQ(1, desc.flags);
-    ASSERT_EQ(c.grantors.size(), desc.grantors.size());
-    for (size_t i = 0; i < c.grantors.size(); ++i) {
-        EXPECT_EQ(c.grantors[i].fdIndex, desc.grantors[i].fdIndex) << "grantor " << i;
-        EXPECT_EQ(c.grantors[i].offset, desc.grantors[i].offset) << "grantor " << i;
-        EXPECT_EQ(c.grantors[i].extent, desc.grantors[i].extent) << "grantor " << i;
+    std::string grantors;
+    for (const GrantorDescriptor& g : desc.grantors) {
+        grantors += (grantors.empty() ? "" : " ") + std::to_string(g.fdIndex) + ":" +
+                    std::to_string(g.offset) + "/" + std::to_string(g.extent);
     }
-    ASSERT_EQ(c.fdSizes.size(), desc.handle.fds.size());
-    for (size_t i = 0; i < c.fdSizes.size(); ++i) {
+    EXPECT_EQ(c.grantors, grantors);
+    std::string fdSizes;
+    for (const ndk::ScopedFileDescriptor& fd : desc.handle.fds) {
         struct stat status;
-        ASSERT_EQ(0, fstat(desc.handle.fds[i].get(), &status));
-        EXPECT_EQ(c.fdSizes[i], status.st_size) << "fd " << i;
+        ASSERT_EQ(0, fstat(fd.get(), &status));
+        fdSizes += (fdSizes.empty() ? "" : " ") + std::to_string(status.st_size);
     }
+    EXPECT_EQ(c.fdSizes, fdSizes);
     EXPECT_EQ(c.eventFlag, queue.getEventFlagWord() != nullptr);
 }
 
 TEST(AidlMessageQueueTest, LayoutOfTheSharedMemory) {
-    const std::vector<LayoutCase> cases = {
-            {"1000 bytes", 1, 1000, false, 0, {{0, 0, 8}, {0, 8, 8}, {0, 16, 1000}}, {4096}},
-            {"1000 bytes, flag",
-             1,
-             1000,
-             true,
-             0,
-             {{0, 0, 8}, {0, 8, 8}, {0, 16, 1000}, {0, 1016, 4}},
-             {4096}},
-            {"13 bytes, flag", 1, 13, true, 0, {{0, 0, 8}, {0, 8, 8}, {0, 16, 13}, {0, 32, 4}}, {4096}},
-            {"flag word on the next page",
-             1,
-             4080,
-             true,
-             0,
-             {{0, 0, 8}, {0, 8, 8}, {0, 16, 4080}, {0, 4096, 4}},
-             {8192}},
-            {"4096 bytes, flag",
-             1,
-             4096,
-             true,
-             0,
-             {{0, 0, 8}, {0, 8, 8}, {0, 16, 4096}, {0, 4112, 4}},
-             {8192}},
-            {"ten uint32_t, flag",
-             4,
-             10,
-             true,
-             0,
-             {{0, 0, 8}, {0, 8, 8}, {0, 16, 40}, {0, 56, 4}},
-             {4096}},
-            {"ring in the caller's fd",
-             1,
-             64,
-             true,
-             100,
-             {{0, 0, 8}, {0, 8, 8}, {1, 0, 64}, {0, 16, 4}},
-             {4096, 100}},
+    const LayoutCase cases[] = {
+            {"1000 bytes", 1, 1000, false, 0, "0:0/8 0:8/8 0:16/1000", "4096"},
+            {"1000 bytes, flag", 1, 1000, true, 0, "0:0/8 0:8/8 0:16/1000 0:1016/4", "4096"},
+            {"13 bytes, flag", 1, 13, true, 0, "0:0/8 0:8/8 0:16/13 0:32/4", "4096"},
+            {"flag on next page", 1, 4080, true, 0, "0:0/8 0:8/8 0:16/4080 0:4096/4", "8192"},
+            {"4096 bytes, flag", 1, 4096, true, 0, "0:0/8 0:8/8 0:16/4096 0:4112/4", "8192"},
+            {"ten uint32_t, flag", 4, 10, true, 0, "0:0/8 0:8/8 0:16/40 0:56/4", "4096"},
+            {"ring in caller's fd", 1, 64, true, 100, "0:0/8 0:8/8 1:0/64 0:16/4", "4096 100"},
     };
     for (const LayoutCase& c : cases) {
         SCOPED_TRACE(c.name);
