@@ -46,9 +46,9 @@ void onUnlinked(void* cookie) {
     link->events->push_back(link->name + " unlinked");
 }
 
-class DeathTest : public ::testing::Test {
+class DeathLinkTest : public ::testing::Test {
 protected:
-    DeathTest() {
+    DeathLinkTest() {
         AIBinder_DeathRecipient_setOnUnlinked(mRecipient.get(), onUnlinked);
         makeBinderRemote(mRemote.get());
     }
@@ -149,7 +149,7 @@ TEST(BinderDeathTest, InheritRtOnARemoteBinderAborts) {
     EXPECT_DEATH(AIBinder_setInheritRt(binder.get(), true), "local binder");
 }
 
-TEST_F(DeathTest, NullArgumentsAndLocalBindersRefuseLinks) {
+TEST_F(DeathLinkTest, NullArgumentsAndLocalBindersRefuseLinks) {
     EXPECT_EQ(STATUS_UNEXPECTED_NULL, AIBinder_linkToDeath(nullptr, mRecipient.get(), &mFirst));
     EXPECT_EQ(STATUS_UNEXPECTED_NULL, AIBinder_linkToDeath(mRemote.get(), nullptr, &mFirst));
     EXPECT_EQ(STATUS_UNEXPECTED_NULL, AIBinder_unlinkToDeath(nullptr, mRecipient.get(), &mFirst));
@@ -165,7 +165,7 @@ TEST_F(DeathTest, NullArgumentsAndLocalBindersRefuseLinks) {
     EXPECT_EQ(nullptr, AIBinder_DeathRecipient_new(nullptr));
 }
 
-TEST_F(DeathTest, UnlinkRemovesOneLinkAtATime) {
+TEST_F(DeathLinkTest, UnlinkRemovesOneLinkAtATime) {
     ASSERT_EQ(STATUS_OK, AIBinder_linkToDeath(mRemote.get(), mRecipient.get(), &mFirst));
     ASSERT_EQ(STATUS_OK, AIBinder_linkToDeath(mRemote.get(), mRecipient.get(), &mFirst));
     EXPECT_EQ(2u, deathLinkCount(mRemote.get()));
@@ -178,7 +178,7 @@ TEST_F(DeathTest, UnlinkRemovesOneLinkAtATime) {
     EXPECT_EQ((std::vector<std::string>{"first unlinked", "first unlinked"}), mEvents);
 }
 
-TEST_F(DeathTest, DeathNotifiesEveryLinkInOrderThenForgetsThem) {
+TEST_F(DeathLinkTest, DeathNotifiesEveryLinkInOrderThenForgetsThem) {
     ASSERT_EQ(STATUS_OK, AIBinder_linkToDeath(mRemote.get(), mRecipient.get(), &mFirst));
     ASSERT_EQ(STATUS_OK, AIBinder_linkToDeath(mRemote.get(), mRecipient.get(), &mSecond));
     ASSERT_EQ(STATUS_OK, AIBinder_linkToDeath(mRemote.get(), mRecipient.get(), &mFirst));
@@ -201,7 +201,7 @@ TEST_F(DeathTest, DeathNotifiesEveryLinkInOrderThenForgetsThem) {
     EXPECT_EQ(1u, mEvents.size());
 }
 
-TEST_F(DeathTest, DeletingTheRecipientOrTheBinderUnlinks) {
+TEST_F(DeathLinkTest, DeletingTheRecipientOrTheBinderUnlinks) {
     ndk::SpAIBinder other(AIBinder_new(plainClass(), nullptr));
     makeBinderRemote(other.get());
     ASSERT_EQ(STATUS_OK, AIBinder_linkToDeath(mRemote.get(), mRecipient.get(), &mFirst));
@@ -216,7 +216,7 @@ TEST_F(DeathTest, DeletingTheRecipientOrTheBinderUnlinks) {
     EXPECT_EQ(2u, mEvents.size());
 }
 
-TEST_F(DeathTest, CallbacksMayUnlinkOtherLinks) {
+TEST_F(DeathLinkTest, CallbacksMayUnlinkOtherLinks) {
     struct Unlinker {
         AIBinder* binder;
         AIBinder_DeathRecipient* recipient;
