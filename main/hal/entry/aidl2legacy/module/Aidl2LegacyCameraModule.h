@@ -63,7 +63,8 @@ public:
 
     // Brings up a module that the caller loaded and keeps loaded for longer than the returned
     // object lives; nothing of it may have been called yet. `extensions` are the entry points
-    // to use for it, if any.
+    // to use for it, if any. The module's callbacks lead to the returned object, so the module
+    // must not call them once that object is gone.
     static std::shared_ptr<Aidl2LegacyCameraModule> createFromModule(
             camera_module_t* module, const ExtensionEntryPoints& extensions,
             StatusListener listener, int32_t* status);

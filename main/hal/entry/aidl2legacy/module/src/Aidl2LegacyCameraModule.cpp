@@ -51,6 +51,12 @@ bool isValid(const StreamCombination* combination) {
 
 std::shared_ptr<Aidl2LegacyCameraModule> Aidl2LegacyCameraModule::createFromLibrary(
         const std::string& path, StatusListener listener, int32_t* status) {
+    if (path.empty()) {
+        // dlopen("") would hand back the process itself.
+        ALOGE("No camera module path given");
+        setStatus(status, -EINVAL);
+        return nullptr;
+    }
     // RTLD_LOCAL: a module may carry its own copies of platform symbols.
     LibraryHandle library(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL), dlclose);
     if (library == nullptr) {

@@ -1,6 +1,7 @@
 // Binder threads calling operations while the module reports status changes from its own thread.
 #include <Aidl2LegacyCameraModule.h>
 #include <gtest/gtest.h>
+#include <log/testing/LogCapture.h>
 #include <system/graphics.h>
 
 #include <atomic>
@@ -13,6 +14,7 @@
 namespace kovo::aidl2legacy {
 namespace {
 
+using android::testing::LogCapture;
 using testing::CombinationBuilder;
 using testing::FakeModuleLibrary;
 using testing::makeStream;
@@ -21,6 +23,7 @@ constexpr int kRounds = 200;
 constexpr int kCallers = 4;
 
 TEST(ModuleThreadsTest, OperationsCallbacksAndListenerSwapsRunConcurrently) {
+    LogCapture log;
     FakeModuleLibrary fake(FAKE_MODULE_PATH);
     std::atomic<int> deviceEvents{0};
     auto countingListener = [&deviceEvents]() {
@@ -45,7 +48,8 @@ TEST(ModuleThreadsTest, OperationsCallbacksAndListenerSwapsRunConcurrently) {
                     module->isStreamCombinationSupported(0, combination.get()) != 0 ||
                     module->setTorchMode("0", round % 2 == 0) != 0 ||
                     module->getTorchStrengthLevel("0", &level) != 0 ||
-                    module->constructDefaultRequestSettings(0, CAMERA3_TEMPLATE_PREVIEW) == nullptr) {
+                    module->constructDefaultRequestSettings(0, CAMERA3_TEMPLATE_STILL_CAPTURE) ==
+                            nullptr) {
                     ++failures;
                 }
             }
