@@ -1,0 +1,18 @@
+#include "LegacyStreamCombination.h"
+
+#include <cstring>
+
+namespace kovo::aidl2legacy {
+
+LegacyStreamCombination::LegacyStreamCombination(const StreamCombination& combination)
+    : mStreams(combination.streamCount) {
+    for (uint32_t i = 0; i < combination.streamCount; ++i) {
+        // The leading bytes of a CombinationStream are a camera_stream_t.
+        std::memcpy(&mStreams[i], &combination.streams[i], sizeof(camera_stream_t));
+    }
+    mCombination.num_streams = combination.streamCount;
+    mCombination.streams = mStreams.data();
+    mCombination.operation_mode = combination.operationMode;
+}
+
+}  // namespace kovo::aidl2legacy
