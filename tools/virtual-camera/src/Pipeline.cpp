@@ -61,6 +61,11 @@ bool Pipeline::enqueue(CaptureRequest& request) {
 }
 
 void Pipeline::flush() {
+    if (std::this_thread::get_id() == mThread.get_id()) {
+        // From inside one of our own callbacks: the thread cannot wait for itself.
+        ALOGW("camera %s: flush from a result callback completes nothing", mCameraId.c_str());
+        return;
+    }
     std::unique_lock<std::mutex> lock(mLock);
     if (mStopping) return;
     uint64_t target = ++mFlushRequested;
@@ -69,6 +74,7 @@ void Pipeline::flush() {
 }
 
 void Pipeline::waitIdle() {
+    if (std::this_thread::get_id() == mThread.get_id()) return;
     std::unique_lock<std::mutex> lock(mLock);
     mCond.wait(lock, [&] { return mQueue.empty() && !mBusy; });
 }

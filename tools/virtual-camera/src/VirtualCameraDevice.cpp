@@ -111,7 +111,6 @@ int VirtualCameraDevice::initialize(const camera3_callback_ops_t* callbacks) {
         ALOGE("camera %s: initialize with incomplete callbacks", id);
         return -ENODEV;
     }
-    mCallbacks = callbacks;
     mPipeline = std::make_shared<Pipeline>(mCharacteristics, callbacks, mOptions);
     return 0;
 }
@@ -287,9 +286,9 @@ int VirtualCameraDevice::processCaptureRequest(camera3_capture_request_t* reques
 
 void VirtualCameraDevice::dump(int fd) {
     std::shared_ptr<Pipeline> pipeline = this->pipeline();
-    dprintf(fd, "Virtual camera %s (%s, %zu physical cameras): %s\n",
-            mCharacteristics.spec().id.c_str(), mOptions.halBufferManager ? "HAL buffers" : "",
-            mCharacteristics.spec().physicalIds.size(), isOpen() ? "open" : "closed");
+    dprintf(fd, "Virtual camera %s (%zu physical cameras, HAL buffer manager %s): %s\n",
+            mCharacteristics.spec().id.c_str(), mCharacteristics.spec().physicalIds.size(),
+            mOptions.halBufferManager ? "on" : "off", isOpen() ? "open" : "closed");
     if (pipeline != nullptr) pipeline->dump(fd);
 }
 
@@ -329,7 +328,6 @@ int VirtualCameraDevice::close(bool notifyListener) {
             return 0;
         }
         mOpen = false;
-        mCallbacks = nullptr;
         pipeline = std::move(mPipeline);
     }
     // Everything still pending completes before close returns; no callback comes after.

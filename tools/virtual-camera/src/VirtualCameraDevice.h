@@ -5,7 +5,7 @@
  *
  * Threads: configure_streams and process_capture_request come from one caller thread at a time;
  * flush, signal_stream_flush, dump and close may come from others. mLock guards the open state,
- * the callbacks and the pipeline pointer; it is never held while waiting for the pipeline. The
+ * the options and the pipeline pointer; it is never held while waiting for the pipeline. The
  * request state (streams, last settings, last frame number) belongs to the caller thread of
  * configure_streams and process_capture_request.
  */
@@ -69,7 +69,6 @@ private:
     mutable std::mutex mLock;
     bool mOpen = false;
     Options mOptions;
-    const camera3_callback_ops_t* mCallbacks = nullptr;
     std::shared_ptr<Pipeline> mPipeline;
 
     std::vector<camera3_stream_t*> mStreams;
