@@ -102,8 +102,8 @@ uint8_t captureIntent(int requestTemplate) {
 
 }  // namespace
 
-CameraCharacteristics::CameraCharacteristics(CameraSpec spec, bool halBufferManager)
-    : mSpec(std::move(spec)) {
+CameraCharacteristics::CameraCharacteristics(CameraDescription description, bool halBufferManager)
+    : mDescription(std::move(description)) {
     for (int requestTemplate = CAMERA3_TEMPLATE_PREVIEW; requestTemplate < CAMERA3_TEMPLATE_COUNT;
          ++requestTemplate) {
         mTemplates.push_back(buildTemplate(requestTemplate));
@@ -117,8 +117,8 @@ CameraCharacteristics::CameraCharacteristics(CameraSpec spec, bool halBufferMana
 }
 
 bool CameraCharacteristics::isPhysicalCamera(std::string_view id) const {
-    return std::find(mSpec.physicalIds.begin(), mSpec.physicalIds.end(), id) !=
-           mSpec.physicalIds.end();
+    return std::find(mDescription.physicalIds.begin(), mDescription.physicalIds.end(), id) !=
+           mDescription.physicalIds.end();
 }
 
 const camera_metadata_t* CameraCharacteristics::defaultSettings(int requestTemplate) const {
@@ -133,9 +133,9 @@ int64_t CameraCharacteristics::minFrameDuration(int format, uint32_t width, uint
     return size != nullptr ? size->minFrameDuration : 0;
 }
 
-int CameraCharacteristics::checkStreams(const std::vector<StreamSpec>& streams,
+int CameraCharacteristics::checkStreams(const std::vector<StreamDescription>& streams,
                                         uint32_t operationMode) const {
-    const char* id = mSpec.id.c_str();
+    const char* id = mDescription.id.c_str();
     if (operationMode != CAMERA3_STREAM_CONFIGURATION_NORMAL_MODE) {
         ALOGW("camera %s: operation mode 0x%x not supported", id, operationMode);
         return -EINVAL;
@@ -146,7 +146,7 @@ int CameraCharacteristics::checkStreams(const std::vector<StreamSpec>& streams,
     }
     int processed = 0;
     int stalling = 0;
-    for (const StreamSpec& stream : streams) {
+    for (const StreamDescription& stream : streams) {
         if (stream.streamType != CAMERA3_STREAM_OUTPUT) {
             ALOGW("camera %s: stream type %d not supported", id, stream.streamType);
             return -EINVAL;
@@ -181,7 +181,7 @@ MetadataPtr CameraCharacteristics::buildTemplate(int requestTemplate) const {
     bool video = requestTemplate == CAMERA3_TEMPLATE_VIDEO_RECORD ||
                  requestTemplate == CAMERA3_TEMPLATE_VIDEO_SNAPSHOT;
     uint8_t afMode = ANDROID_CONTROL_AF_MODE_OFF;
-    if (mSpec.autoFocus && !manual) {
+    if (mDescription.autoFocus && !manual) {
         afMode = video ? ANDROID_CONTROL_AF_MODE_CONTINUOUS_VIDEO
                        : ANDROID_CONTROL_AF_MODE_CONTINUOUS_PICTURE;
     }
@@ -219,7 +219,7 @@ MetadataPtr CameraCharacteristics::buildTemplate(int requestTemplate) const {
     settings.set(ANDROID_JPEG_THUMBNAIL_SIZE, {int32_t{160}, int32_t{120}});
     settings.set(ANDROID_LENS_APERTURE, {kAperture});
     settings.set(ANDROID_LENS_FILTER_DENSITY, {0.0f});
-    settings.set(ANDROID_LENS_FOCAL_LENGTH, {mSpec.focalLengths.front()});
+    settings.set(ANDROID_LENS_FOCAL_LENGTH, {mDescription.focalLengths.front()});
     settings.set(ANDROID_LENS_FOCUS_DISTANCE, {0.0f});
     settings.set(ANDROID_LENS_OPTICAL_STABILIZATION_MODE,
                  {u8(ANDROID_LENS_OPTICAL_STABILIZATION_MODE_OFF)});
@@ -248,7 +248,7 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
     info.set(ANDROID_CONTROL_AE_COMPENSATION_RANGE, {int32_t{0}, int32_t{0}});
     info.set(ANDROID_CONTROL_AE_COMPENSATION_STEP, {camera_metadata_rational_t{1, 3}});
     info.set(ANDROID_CONTROL_AE_LOCK_AVAILABLE, {u8(ANDROID_CONTROL_AE_LOCK_AVAILABLE_TRUE)});
-    if (mSpec.autoFocus) {
+    if (mDescription.autoFocus) {
         info.set(ANDROID_CONTROL_AF_AVAILABLE_MODES,
                  {u8(ANDROID_CONTROL_AF_MODE_OFF), u8(ANDROID_CONTROL_AF_MODE_AUTO),
                   u8(ANDROID_CONTROL_AF_MODE_CONTINUOUS_VIDEO),
@@ -269,9 +269,10 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
     info.set(ANDROID_CONTROL_ZOOM_RATIO_RANGE, {1.0f, kMaxZoom});
     info.set(ANDROID_EDGE_AVAILABLE_EDGE_MODES,
              {u8(ANDROID_EDGE_MODE_OFF), u8(ANDROID_EDGE_MODE_FAST)});
-    info.set(ANDROID_FLASH_INFO_AVAILABLE, {u8(mSpec.flash ? ANDROID_FLASH_INFO_AVAILABLE_TRUE
-                                                           : ANDROID_FLASH_INFO_AVAILABLE_FALSE)});
-    if (mSpec.flash) {
+    info.set(ANDROID_FLASH_INFO_AVAILABLE,
+             {u8(mDescription.flash ? ANDROID_FLASH_INFO_AVAILABLE_TRUE
+                                    : ANDROID_FLASH_INFO_AVAILABLE_FALSE)});
+    if (mDescription.flash) {
         info.set(ANDROID_FLASH_INFO_STRENGTH_MAXIMUM_LEVEL, {kTorchMaxLevel});
         info.set(ANDROID_FLASH_INFO_STRENGTH_DEFAULT_LEVEL, {kTorchDefaultLevel});
     }
@@ -285,14 +286,14 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
              {int32_t{0}, int32_t{0}, int32_t{160}, int32_t{120}});
     info.set(ANDROID_JPEG_MAX_SIZE, {kJpegMaxSize});
     info.set(ANDROID_LENS_FACING,
-             {u8(mSpec.facing == CAMERA_FACING_FRONT ? ANDROID_LENS_FACING_FRONT
-                                                     : ANDROID_LENS_FACING_BACK)});
+             {u8(mDescription.facing == CAMERA_FACING_FRONT ? ANDROID_LENS_FACING_FRONT
+                                                            : ANDROID_LENS_FACING_BACK)});
     info.set(ANDROID_LENS_INFO_AVAILABLE_APERTURES, {kAperture});
     info.set(ANDROID_LENS_INFO_AVAILABLE_FILTER_DENSITIES, {0.0f});
-    info.set(ANDROID_LENS_INFO_AVAILABLE_FOCAL_LENGTHS, mSpec.focalLengths);
+    info.set(ANDROID_LENS_INFO_AVAILABLE_FOCAL_LENGTHS, mDescription.focalLengths);
     info.set(ANDROID_LENS_INFO_AVAILABLE_OPTICAL_STABILIZATION,
              {u8(ANDROID_LENS_OPTICAL_STABILIZATION_MODE_OFF)});
-    info.set(ANDROID_LENS_INFO_MINIMUM_FOCUS_DISTANCE, {mSpec.autoFocus ? 10.0f : 0.0f});
+    info.set(ANDROID_LENS_INFO_MINIMUM_FOCUS_DISTANCE, {mDescription.autoFocus ? 10.0f : 0.0f});
     info.set(ANDROID_NOISE_REDUCTION_AVAILABLE_NOISE_REDUCTION_MODES,
              {u8(ANDROID_NOISE_REDUCTION_MODE_OFF), u8(ANDROID_NOISE_REDUCTION_MODE_FAST)});
 
@@ -302,7 +303,7 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
                                          ANDROID_REQUEST_AVAILABLE_CAPABILITIES_BURST_CAPTURE};
     if (isLogical()) {
         capabilities.push_back(ANDROID_REQUEST_AVAILABLE_CAPABILITIES_LOGICAL_MULTI_CAMERA);
-        info.setStrings(ANDROID_LOGICAL_MULTI_CAMERA_PHYSICAL_IDS, mSpec.physicalIds);
+        info.setStrings(ANDROID_LOGICAL_MULTI_CAMERA_PHYSICAL_IDS, mDescription.physicalIds);
         info.set(ANDROID_LOGICAL_MULTI_CAMERA_SENSOR_SYNC_TYPE,
                  {u8(ANDROID_LOGICAL_MULTI_CAMERA_SENSOR_SYNC_TYPE_CALIBRATED)});
         info.set(ANDROID_REQUEST_AVAILABLE_PHYSICAL_CAMERA_REQUEST_KEYS,
@@ -348,7 +349,7 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
              {u8(ANDROID_SENSOR_INFO_TIMESTAMP_SOURCE_UNKNOWN)});
     info.set(ANDROID_SENSOR_INFO_WHITE_LEVEL, {int32_t{1023}});
     info.set(ANDROID_SENSOR_MAX_ANALOG_SENSITIVITY, {int32_t{800}});
-    info.set(ANDROID_SENSOR_ORIENTATION, {int32_t{mSpec.orientation}});
+    info.set(ANDROID_SENSOR_ORIENTATION, {int32_t{mDescription.orientation}});
     info.set(ANDROID_SENSOR_READOUT_TIMESTAMP, {u8(ANDROID_SENSOR_READOUT_TIMESTAMP_HARDWARE)});
     info.set(ANDROID_STATISTICS_INFO_AVAILABLE_FACE_DETECT_MODES,
              {u8(ANDROID_STATISTICS_FACE_DETECT_MODE_OFF)});

@@ -16,7 +16,7 @@
 
 namespace virtual_camera {
 
-struct CameraSpec {
+struct CameraDescription {
     std::string id;
     int facing = 0;  // CAMERA_FACING_*
     int orientation = 0;
@@ -27,7 +27,7 @@ struct CameraSpec {
 };
 
 // One stream of a configuration or of a stream-combination query.
-struct StreamSpec {
+struct StreamDescription {
     int streamType = 0;
     uint32_t width = 0;
     uint32_t height = 0;
@@ -67,10 +67,10 @@ inline constexpr uint32_t kSessionKeys[] = {ANDROID_CONTROL_AE_TARGET_FPS_RANGE,
 
 class CameraCharacteristics {
 public:
-    CameraCharacteristics(CameraSpec spec, bool halBufferManager);
+    CameraCharacteristics(CameraDescription description, bool halBufferManager);
 
-    const CameraSpec& spec() const { return mSpec; }
-    bool isLogical() const { return !mSpec.physicalIds.empty(); }
+    const CameraDescription& description() const { return mDescription; }
+    bool isLogical() const { return !mDescription.physicalIds.empty(); }
     bool isPhysicalCamera(std::string_view id) const;
 
     const camera_metadata_t* staticMetadata() const { return mStatic.get(); }
@@ -79,7 +79,7 @@ public:
     const camera_metadata_t* sessionCharacteristics() const { return mSession.get(); }
 
     // 0 when the camera can stream this combination, else -EINVAL (logged with the reason).
-    int checkStreams(const std::vector<StreamSpec>& streams, uint32_t operationMode) const;
+    int checkStreams(const std::vector<StreamDescription>& streams, uint32_t operationMode) const;
     // The shortest frame duration of one stream, 0 when the camera does not offer it.
     int64_t minFrameDuration(int format, uint32_t width, uint32_t height) const;
 
@@ -87,7 +87,7 @@ private:
     void buildStatic(bool halBufferManager);
     MetadataPtr buildTemplate(int requestTemplate) const;
 
-    CameraSpec mSpec;
+    CameraDescription mDescription;
     MetadataPtr mStatic;
     MetadataPtr mSession;
     std::vector<MetadataPtr> mTemplates;  // index: template - 1

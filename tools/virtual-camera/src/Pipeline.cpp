@@ -35,7 +35,7 @@ Pipeline::Pipeline(const CameraCharacteristics& characteristics,
     : mCharacteristics(characteristics),
       mCallbacks(callbacks),
       mOptions(options),
-      mCameraId(characteristics.spec().id) {
+      mCameraId(characteristics.description().id) {
     if (mOptions.halBufferManager) {
         mBufferManager = std::make_unique<HalBufferManager>(callbacks, mCameraId);
     }
@@ -253,9 +253,10 @@ void Pipeline::processFrame(CaptureRequest& request) {
               {findInt32(settings, ANDROID_SENSOR_SENSITIVITY).value_or(kDefaultSensitivity)});
     final.set(ANDROID_SENSOR_TIMESTAMP, {timestamp});
     final.set(ANDROID_SENSOR_ROLLING_SHUTTER_SKEW, {duration / 2});
-    const CameraSpec& spec = mCharacteristics.spec();
+    const CameraDescription& description = mCharacteristics.description();
     if (mCharacteristics.isLogical()) {
-        final.setStrings(ANDROID_LOGICAL_MULTI_CAMERA_ACTIVE_PHYSICAL_ID, {spec.physicalIds[0]});
+        final.setStrings(ANDROID_LOGICAL_MULTI_CAMERA_ACTIVE_PHYSICAL_ID,
+                         {description.physicalIds[0]});
     }
 
     std::vector<MetadataPtr> physicalMetadata;
@@ -263,11 +264,12 @@ void Pipeline::processFrame(CaptureRequest& request) {
         auto found = request.physicalSettings.find(id);
         const camera_metadata_t* physicalSettings =
                 found != request.physicalSettings.end() ? found->second.get() : settings;
-        size_t index = std::find(spec.physicalIds.begin(), spec.physicalIds.end(), id) -
-                       spec.physicalIds.begin();
+        size_t index =
+                std::find(description.physicalIds.begin(), description.physicalIds.end(), id) -
+                description.physicalIds.begin();
         MetadataBuilder physical;
         physical.set(ANDROID_LENS_FOCAL_LENGTH,
-                     {spec.focalLengths[index % spec.focalLengths.size()]});
+                     {description.focalLengths[index % description.focalLengths.size()]});
         physical.set(
                 ANDROID_SENSOR_EXPOSURE_TIME,
                 {std::clamp(

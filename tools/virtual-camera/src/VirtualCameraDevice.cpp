@@ -82,7 +82,7 @@ int VirtualCameraDevice::open(const Options& options, hw_device_t** device) {
     mLastSettings.reset();
     mLastFrameNumber.reset();
     *device = &mDevice.common;
-    if (mListener) mListener(mCharacteristics.spec().id, true);
+    if (mListener) mListener(mCharacteristics.description().id, true);
     return 0;
 }
 
@@ -97,7 +97,7 @@ std::shared_ptr<Pipeline> VirtualCameraDevice::pipeline() {
 }
 
 int VirtualCameraDevice::initialize(const camera3_callback_ops_t* callbacks) {
-    const char* id = mCharacteristics.spec().id.c_str();
+    const char* id = mCharacteristics.description().id.c_str();
     std::lock_guard<std::mutex> guard(mLock);
     if (!mOpen || mPipeline != nullptr) {
         ALOGE("camera %s: initialize on a device that is %s", id,
@@ -116,7 +116,7 @@ int VirtualCameraDevice::initialize(const camera3_callback_ops_t* callbacks) {
 }
 
 int VirtualCameraDevice::configureStreams(camera3_stream_configuration_t* streamList) {
-    const char* id = mCharacteristics.spec().id.c_str();
+    const char* id = mCharacteristics.description().id.c_str();
     std::shared_ptr<Pipeline> pipeline = this->pipeline();
     if (pipeline == nullptr) {
         ALOGE("camera %s: configure_streams before initialize", id);
@@ -128,17 +128,19 @@ int VirtualCameraDevice::configureStreams(camera3_stream_configuration_t* stream
     }
     std::vector<camera3_stream_t*> streams(streamList->streams,
                                            streamList->streams + streamList->num_streams);
-    std::vector<StreamSpec> specs;
+    std::vector<StreamDescription> descriptions;
     for (camera3_stream_t* stream : streams) {
         if (stream == nullptr || std::count(streams.begin(), streams.end(), stream) > 1) {
             ALOGE("camera %s: configure_streams with a null or repeated stream", id);
             return -EINVAL;
         }
-        specs.push_back({stream->stream_type, stream->width, stream->height, stream->format,
-                         stream->rotation,
-                         stream->physical_camera_id != nullptr ? stream->physical_camera_id : ""});
+        descriptions.push_back(
+                {stream->stream_type, stream->width, stream->height, stream->format,
+                 stream->rotation,
+                 stream->physical_camera_id != nullptr ? stream->physical_camera_id : ""});
     }
-    if (int status = mCharacteristics.checkStreams(specs, streamList->operation_mode); status != 0) {
+    if (int status = mCharacteristics.checkStreams(descriptions, streamList->operation_mode);
+        status != 0) {
         ALOGE("camera %s: stream configuration rejected", id);
         return status;
     }
@@ -165,14 +167,14 @@ int VirtualCameraDevice::configureStreams(camera3_stream_configuration_t* stream
 const camera_metadata_t* VirtualCameraDevice::constructDefaultRequestSettings(int type) {
     const camera_metadata_t* settings = mCharacteristics.defaultSettings(type);
     if (settings == nullptr) {
-        ALOGE("camera %s: no request template %d", mCharacteristics.spec().id.c_str(), type);
+        ALOGE("camera %s: no request template %d", mCharacteristics.description().id.c_str(), type);
     }
     return settings;
 }
 
 int VirtualCameraDevice::checkRequest(const camera3_capture_request_t* request,
                                       CaptureRequest& out) {
-    const char* id = mCharacteristics.spec().id.c_str();
+    const char* id = mCharacteristics.description().id.c_str();
     if (request == nullptr) {
         ALOGE("camera %s: null capture request", id);
         return -EINVAL;
@@ -250,14 +252,14 @@ int VirtualCameraDevice::processCaptureRequest(camera3_capture_request_t* reques
     std::shared_ptr<Pipeline> pipeline = this->pipeline();
     if (pipeline == nullptr) {
         ALOGE("camera %s: process_capture_request before initialize",
-              mCharacteristics.spec().id.c_str());
+              mCharacteristics.description().id.c_str());
         return -ENODEV;
     }
     CaptureRequest capture;
     if (int status = checkRequest(request, capture); status != 0) return status;
     const uint32_t frameNumber = capture.frameNumber;
     if (mOptions.rejectRequest.count(frameNumber) != 0) {
-        ALOGI("camera %s: frame %u: injected rejection", mCharacteristics.spec().id.c_str(),
+        ALOGI("camera %s: frame %u: injected rejection", mCharacteristics.description().id.c_str(),
               frameNumber);
         return -EINVAL;
     }
@@ -275,7 +277,7 @@ int VirtualCameraDevice::processCaptureRequest(camera3_capture_request_t* reques
     std::shared_ptr<const camera_metadata_t> settings = capture.settings;
     if (!pipeline->enqueue(capture)) {
         for (OutputBuffer& output : capture.buffers) output.acquireFence.release();
-        ALOGE("camera %s: frame %u: device is closing", mCharacteristics.spec().id.c_str(),
+        ALOGE("camera %s: frame %u: device is closing", mCharacteristics.description().id.c_str(),
               frameNumber);
         return -ENODEV;
     }
@@ -287,7 +289,8 @@ int VirtualCameraDevice::processCaptureRequest(camera3_capture_request_t* reques
 void VirtualCameraDevice::dump(int fd) {
     std::shared_ptr<Pipeline> pipeline = this->pipeline();
     dprintf(fd, "Virtual camera %s (%zu physical cameras, HAL buffer manager %s): %s\n",
-            mCharacteristics.spec().id.c_str(), mCharacteristics.spec().physicalIds.size(),
+            mCharacteristics.description().id.c_str(),
+            mCharacteristics.description().physicalIds.size(),
             mOptions.halBufferManager ? "on" : "off", isOpen() ? "open" : "closed");
     if (pipeline != nullptr) pipeline->dump(fd);
 }
@@ -295,7 +298,7 @@ void VirtualCameraDevice::dump(int fd) {
 int VirtualCameraDevice::flush() {
     std::shared_ptr<Pipeline> pipeline = this->pipeline();
     if (pipeline == nullptr) {
-        ALOGE("camera %s: flush before initialize", mCharacteristics.spec().id.c_str());
+        ALOGE("camera %s: flush before initialize", mCharacteristics.description().id.c_str());
         return -ENODEV;
     }
     pipeline->flush();
@@ -323,7 +326,8 @@ int VirtualCameraDevice::close(bool notifyListener) {
         std::lock_guard<std::mutex> guard(mLock);
         if (!mOpen) {
             if (notifyListener) {
-                ALOGW("camera %s: close of a closed device", mCharacteristics.spec().id.c_str());
+                ALOGW("camera %s: close of a closed device",
+                      mCharacteristics.description().id.c_str());
             }
             return 0;
         }
@@ -336,7 +340,7 @@ int VirtualCameraDevice::close(bool notifyListener) {
     mStreams.clear();
     mLastSettings.reset();
     mLastFrameNumber.reset();
-    if (notifyListener && mListener) mListener(mCharacteristics.spec().id, false);
+    if (notifyListener && mListener) mListener(mCharacteristics.description().id, false);
     return 0;
 }
 

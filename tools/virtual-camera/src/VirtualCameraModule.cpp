@@ -20,25 +20,26 @@ constexpr float kWideFocalLength = 4.38f;
 constexpr float kTeleFocalLength = 9.0f;
 constexpr float kFrontFocalLength = 2.5f;
 
-std::vector<CameraSpec> publicCameraSpecs(int count) {
-    std::vector<CameraSpec> specs;
-    specs.push_back({"0",
-                     CAMERA_FACING_BACK,
-                     90,
-                     true,
-                     true,
-                     {kWideFocalLength, kTeleFocalLength},
-                     {std::to_string(count), std::to_string(count + 1)}});
+std::vector<CameraDescription> publicCameraDescriptions(int count) {
+    std::vector<CameraDescription> descriptions;
+    descriptions.push_back({"0",
+                            CAMERA_FACING_BACK,
+                            90,
+                            true,
+                            true,
+                            {kWideFocalLength, kTeleFocalLength},
+                            {std::to_string(count), std::to_string(count + 1)}});
     if (count > 1)
-        specs.push_back({"1", CAMERA_FACING_FRONT, 270, false, false, {kFrontFocalLength}, {}});
+        descriptions.push_back(
+                {"1", CAMERA_FACING_FRONT, 270, false, false, {kFrontFocalLength}, {}});
     for (int id = 2; id < count; ++id) {
-        specs.push_back(
+        descriptions.push_back(
                 {std::to_string(id), CAMERA_FACING_BACK, 90, false, true, {kWideFocalLength}, {}});
     }
-    return specs;
+    return descriptions;
 }
 
-std::vector<CameraSpec> physicalCameraSpecs(const CameraSpec& logical) {
+std::vector<CameraDescription> physicalCameraDescriptions(const CameraDescription& logical) {
     return {{logical.physicalIds[0], CAMERA_FACING_BACK, 90, false, true, {kWideFocalLength}, {}},
             {logical.physicalIds[1], CAMERA_FACING_BACK, 90, false, true, {kTeleFocalLength}, {}}};
 }
@@ -68,7 +69,7 @@ void VirtualCameraModule::loadLocked() {
         for (const Camera& camera : mCameras) {
             if (camera.device->isOpen()) {
                 ALOGE("init with camera %s open: options left as they were",
-                      camera.characteristics->spec().id.c_str());
+                      camera.characteristics->description().id.c_str());
                 return;
             }
         }
@@ -78,14 +79,15 @@ void VirtualCameraModule::loadLocked() {
         mPhysicalCameras.clear();
     }
     mOptions = optionsFromEnvironment();
-    std::vector<CameraSpec> specs = publicCameraSpecs(mOptions.cameras);
-    for (const CameraSpec& spec : physicalCameraSpecs(specs.front())) {
-        mPhysicalCameras.push_back({std::make_unique<CameraCharacteristics>(spec, false), nullptr});
+    std::vector<CameraDescription> descriptions = publicCameraDescriptions(mOptions.cameras);
+    for (const CameraDescription& description : physicalCameraDescriptions(descriptions.front())) {
+        mPhysicalCameras.push_back(
+                {std::make_unique<CameraCharacteristics>(description, false), nullptr});
     }
-    for (CameraSpec& spec : specs) {
+    for (CameraDescription& description : descriptions) {
         Camera camera;
-        camera.characteristics =
-                std::make_unique<CameraCharacteristics>(std::move(spec), mOptions.halBufferManager);
+        camera.characteristics = std::make_unique<CameraCharacteristics>(std::move(description),
+                                                                         mOptions.halBufferManager);
         camera.device = std::make_unique<VirtualCameraDevice>(
                 *camera.characteristics, &HAL_MODULE_INFO_SYM.common,
                 [this](const std::string& id, bool open) { deviceOpenChanged(id, open); });
@@ -125,9 +127,9 @@ int VirtualCameraModule::getCameraInfo(int cameraId, camera_info* info) {
         ALOGE("get_camera_info: bad camera %d or null info", cameraId);
         return -EINVAL;
     }
-    const CameraSpec& spec = camera->characteristics->spec();
-    info->facing = spec.facing;
-    info->orientation = spec.orientation;
+    const CameraDescription& description = camera->characteristics->description();
+    info->facing = description.facing;
+    info->orientation = description.orientation;
     info->device_version = CAMERA_DEVICE_API_VERSION_3_6;
     info->static_camera_characteristics = camera->characteristics->staticMetadata();
     info->resource_cost = kResourceCost;
@@ -165,7 +167,7 @@ int VirtualCameraModule::torchCheckLocked(Camera* camera, const char* cameraId) 
         ALOGE("torch: bad camera id \"%s\"", cameraId != nullptr ? cameraId : "");
         return -EINVAL;
     }
-    if (!camera->characteristics->spec().flash) return -ENOSYS;
+    if (!camera->characteristics->description().flash) return -ENOSYS;
     if (camera->device->isOpen()) return -EBUSY;
     return 0;
 }
@@ -202,7 +204,7 @@ int VirtualCameraModule::getTorchStrengthLevel(const char* cameraId, int32_t* le
     std::lock_guard<std::mutex> guard(mLock);
     Camera* camera = publicCameraLocked(cameraId);
     if (camera == nullptr || level == nullptr) return -EINVAL;
-    if (!camera->characteristics->spec().flash) return -ENOSYS;
+    if (!camera->characteristics->description().flash) return -ENOSYS;
     *level = camera->torchLevel;
     return 0;
 }
@@ -222,7 +224,7 @@ void VirtualCameraModule::deviceOpenChanged(const std::string& cameraId, bool op
     {
         std::lock_guard<std::mutex> guard(mLock);
         Camera* camera = publicCameraLocked(cameraId.c_str());
-        if (camera == nullptr || !camera->characteristics->spec().flash) return;
+        if (camera == nullptr || !camera->characteristics->description().flash) return;
         camera->torchOn = false;
     }
     // An open camera owns its flash unit.
@@ -254,14 +256,14 @@ int VirtualCameraModule::checkCombinationLocked(int cameraId,
         ALOGE("stream combination query: bad camera %d or null streams", cameraId);
         return -EINVAL;
     }
-    std::vector<StreamSpec> specs;
+    std::vector<StreamDescription> descriptions;
     for (uint32_t i = 0; i < streams->num_streams; ++i) {
         const camera_stream_t& stream = streams->streams[i];
-        specs.push_back({stream.stream_type, stream.width, stream.height, stream.format,
-                         stream.rotation,
-                         stream.physical_camera_id != nullptr ? stream.physical_camera_id : ""});
+        descriptions.push_back(
+                {stream.stream_type, stream.width, stream.height, stream.format, stream.rotation,
+                 stream.physical_camera_id != nullptr ? stream.physical_camera_id : ""});
     }
-    return camera->characteristics->checkStreams(specs, streams->operation_mode);
+    return camera->characteristics->checkStreams(descriptions, streams->operation_mode);
 }
 
 int VirtualCameraModule::isStreamCombinationSupported(int cameraId,
