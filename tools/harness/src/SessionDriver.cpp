@@ -1,0 +1,475 @@
+#include "SessionDriver.h"
+
+#include <aidl/android/hardware/camera/device/RequestTemplate.h>
+#include <aidl/android/hardware/camera/metadata/RequestAvailableColorSpaceProfilesMap.h>
+#include <aidlcommonsupport/NativeHandle.h>
+#include <dirent.h>
+#include <sys/eventfd.h>
+#include <system/graphics.h>
+#include <virtual_camera/HostBuffer.h>
+
+#include <algorithm>
+#include <set>
+
+#include "CpuMeter.h"
+#include "FrameworkCallback.h"
+#include "MetadataQueue.h"
+#include "TraceFile.h"
+
+namespace camera_harness {
+
+namespace {
+
+using aidl::android::hardware::camera::device::BufferStatus;
+using aidl::android::hardware::camera::device::CameraMetadata;
+using aidl::android::hardware::camera::device::HalStream;
+using aidl::android::hardware::camera::device::PhysicalCameraSetting;
+using aidl::android::hardware::camera::device::RequestTemplate;
+using aidl::android::hardware::camera::device::StreamBuffer;
+using aidl::android::hardware::camera::device::StreamConfiguration;
+using aidl::android::hardware::camera::device::StreamConfigurationMode;
+using aidl::android::hardware::camera::device::StreamRotation;
+using aidl::android::hardware::camera::device::StreamType;
+using aidl::android::hardware::common::NativeHandle;
+namespace gc = aidl::android::hardware::graphics::common;
+namespace cm = aidl::android::hardware::camera::metadata;
+
+// How long the device may go without completing anything while the harness waits.
+constexpr std::chrono::milliseconds kStallTimeout{5000};
+// Settings travel with the first request after a configuration and then with every n-th.
+constexpr int32_t kSettingsEvery = 4;
+// Flushes spread over the flush scenario.
+constexpr int32_t kFlushes = 4;
+
+size_t countOpenFds() {
+    std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir("/proc/self/fd"), closedir);
+    if (!dir) return 0;
+    size_t count = 0;
+    while (dirent* entry = readdir(dir.get())) {
+        if (entry->d_name[0] != '.') ++count;
+    }
+    return count - 1;  // the directory's own descriptor
+}
+
+// An acquire fence that is already signalled, as a consumer that released the buffer hands it.
+NativeHandle signalledFence() {
+    NativeHandle fence;
+    int fd = eventfd(1, EFD_CLOEXEC);
+    if (fd >= 0) fence.fds.emplace_back(fd);
+    return fence;
+}
+
+}  // namespace
+
+SessionDriver::SessionDriver(std::shared_ptr<ICameraDevice> device, const CameraInfo& camera,
+                             const RunPlan& plan, std::shared_ptr<FrameworkState> state,
+                             TraceFile* trace)
+    : mDevice(std::move(device)),
+      mCamera(camera),
+      mPlan(plan),
+      mState(std::move(state)),
+      mTrace(trace) {}
+
+SessionDriver::~SessionDriver() = default;
+
+RunOutcome SessionDriver::run() {
+    const auto start = Clock::now();
+    mOutcome.fdsBefore = countOpenFds();
+    if (open() && configure(mPlan.streams)) {
+        const int32_t frames = mPlan.frames;
+        switch (mPlan.scenario) {
+            case Scenario::kBasic:
+            case Scenario::kBurst:
+            case Scenario::kHbm:
+                submit(frames, nullptr);
+                break;
+            case Scenario::kFlush: {
+                const int32_t every = std::max(1, frames / (kFlushes + 1));
+                int32_t nextFlush = every;
+                submit(frames, [&](int32_t submitted) {
+                    if (submitted >= nextFlush && submitted < frames) {
+                        flush();
+                        nextFlush += every;
+                    }
+                });
+                break;
+            }
+            case Scenario::kReconfigure:
+                if (submit(frames / 2, nullptr)) {
+                    drain("before reconfiguring");
+                    reconfigure();
+                    submit(frames - frames / 2, nullptr);
+                }
+                break;
+        }
+        drain("at the end");
+        forgetAllBuffers();
+    }
+    close();
+    mOutcome.elapsed = Clock::now() - start;
+    mOutcome.fdsAfter = countOpenFds();
+    if (mOutcome.fdsAfter > mOutcome.fdsBefore) {
+        mState->report(Rule::kFdLeak, std::nullopt,
+                       std::to_string(mOutcome.fdsAfter - mOutcome.fdsBefore) +
+                               " more file descriptors open after close than before open (" +
+                               std::to_string(mOutcome.fdsBefore) + " before, " +
+                               std::to_string(mOutcome.fdsAfter) + " after)");
+    }
+    return mOutcome;
+}
+
+bool SessionDriver::check(const ndk::ScopedAStatus& status, const std::string& call) {
+    if (status.isOk()) return true;
+    mState->report(Rule::kCallStatus, std::nullopt, call + " failed: " + status.getDescription());
+    return false;
+}
+
+bool SessionDriver::open() {
+    mCallback = ndk::SharedRefBase::make<FrameworkCallback>(mState, mTrace);
+    {
+        HarnessSpan span(mTrace, "open");
+        CpuMeter::AdapterCall cpu;
+        if (!check(mDevice->open(mCallback, &mSession), "open")) return false;
+    }
+    if (!mSession) {
+        mState->report(Rule::kCallStatus, std::nullopt, "open returned no session");
+        return false;
+    }
+
+    MetadataQueueDescriptor requestQueue;
+    MetadataQueueDescriptor resultQueue;
+    CameraMetadata preview;
+    {
+        CpuMeter::AdapterCall cpu;
+        check(mSession->getCaptureRequestMetadataQueue(&requestQueue),
+              "getCaptureRequestMetadataQueue");
+        check(mSession->getCaptureResultMetadataQueue(&resultQueue),
+              "getCaptureResultMetadataQueue");
+        check(mSession->constructDefaultRequestSettings(RequestTemplate::PREVIEW, &preview),
+              "constructDefaultRequestSettings");
+    }
+    mRequestQueue = MetadataQueue::attach(requestQueue);
+    mCallback->setResultQueue(MetadataQueue::attach(resultQueue));
+    mPreviewTemplate = preview.metadata;
+    mSettings = RequestSettings::build(mPreviewTemplate, mCamera, mPlan.fps);
+    if (!mSettings) {
+        mState->report(Rule::kCallStatus, std::nullopt,
+                       "constructDefaultRequestSettings gave no usable preview template");
+        return false;
+    }
+    return true;
+}
+
+bool SessionDriver::configure(const std::vector<StreamSpec>& specs) {
+    std::vector<Stream> streams;
+    for (const auto& spec : specs) {
+        // Streams that stay keep their ids, as the framework keeps them.
+        auto old = std::find_if(mStreams.begin(), mStreams.end(), [&](const Stream& stream) {
+            return stream.width == spec.width && stream.height == spec.height &&
+                   static_cast<int32_t>(stream.format) == spec.format &&
+                   stream.physicalCameraId == spec.physicalCameraId;
+        });
+        Stream stream;
+        stream.id = old != mStreams.end() ? old->id : mNextStreamId++;
+        stream.streamType = StreamType::OUTPUT;
+        stream.width = spec.width;
+        stream.height = spec.height;
+        stream.format = static_cast<gc::PixelFormat>(spec.format);
+        stream.usage = gc::BufferUsage::CPU_READ_OFTEN;
+        stream.dataSpace =
+                spec.format == HAL_PIXEL_FORMAT_BLOB ? gc::Dataspace::JFIF : gc::Dataspace::UNKNOWN;
+        stream.rotation = StreamRotation::ROTATION_0;
+        stream.physicalCameraId = spec.physicalCameraId;
+        stream.bufferSize = spec.format == HAL_PIXEL_FORMAT_BLOB
+                                    ? static_cast<int32_t>(mCamera.jpegMaxSize)
+                                    : 0;
+        stream.groupId = -1;
+        stream.sensorPixelModesUsed = {cm::SensorPixelMode::ANDROID_SENSOR_PIXEL_MODE_DEFAULT};
+        stream.dynamicRangeProfile = cm::RequestAvailableDynamicRangeProfilesMap::
+                ANDROID_REQUEST_AVAILABLE_DYNAMIC_RANGE_PROFILES_MAP_STANDARD;
+        stream.useCase =
+                cm::ScalerAvailableStreamUseCases::ANDROID_SCALER_AVAILABLE_STREAM_USE_CASES_DEFAULT;
+        stream.colorSpace = static_cast<int32_t>(
+                cm::RequestAvailableColorSpaceProfilesMap::
+                        ANDROID_REQUEST_AVAILABLE_COLOR_SPACE_PROFILES_MAP_UNSPECIFIED);
+        streams.push_back(stream);
+    }
+
+    StreamConfiguration configuration;
+    configuration.streams = streams;
+    configuration.operationMode = StreamConfigurationMode::NORMAL_MODE;
+    configuration.sessionParams.metadata = mSettings->sessionParameters;
+    configuration.streamConfigCounter = mStreamConfigCounter++;
+
+    std::vector<HalStream> halStreams;
+    bool supported = false;
+    {
+        HarnessSpan span(mTrace, "configureStreams");
+        CpuMeter::AdapterCall cpu;
+        if (check(mDevice->isStreamCombinationSupported(configuration, &supported),
+                  "isStreamCombinationSupported") &&
+            !supported) {
+            mState->report(Rule::kCallStatus, std::nullopt,
+                           "isStreamCombinationSupported refuses streams the camera lists");
+        }
+        if (!check(mSession->configureStreams(configuration, &halStreams), "configureStreams")) {
+            return false;
+        }
+    }
+
+    std::vector<ConfiguredStream> configured;
+    for (const auto& stream : streams) {
+        auto hal = std::find_if(halStreams.begin(), halStreams.end(),
+                                [&](const HalStream& h) { return h.id == stream.id; });
+        if (hal == halStreams.end() || hal->maxBuffers < 1) {
+            mState->report(Rule::kCallStatus, std::nullopt,
+                           "configureStreams gave no HalStream with maxBuffers for stream " +
+                                   std::to_string(stream.id));
+            return false;
+        }
+        StreamSpec spec{stream.width, stream.height, static_cast<int32_t>(stream.format),
+                        stream.physicalCameraId};
+        size_t size = virtual_camera::hostBufferSize(spec.format, spec.width, spec.height,
+                                                     mCamera.jpegMaxSize);
+        configured.push_back({stream.id, spec, size, hal->maxBuffers});
+        mOutcome.streams.push_back(
+                {stream.id, spec, hal->maxBuffers, static_cast<int64_t>(hal->producerUsage)});
+    }
+    if (halStreams.size() != streams.size()) {
+        mState->report(Rule::kCallStatus, std::nullopt,
+                       "configureStreams gave " + std::to_string(halStreams.size()) +
+                               " HalStreams for " + std::to_string(streams.size()) + " streams");
+    }
+
+    for (const auto& dropped : mState->configure(configured)) {
+        mPendingCacheRemovals.push_back(BufferCache{dropped.streamId, dropped.bufferId});
+    }
+    mStreams = streams;
+    mSettingsSent = false;
+    ++mOutcome.configurations;
+
+    int32_t smallest = INT32_MAX;
+    for (const auto& stream : configured) smallest = std::min(smallest, stream.maxBuffers);
+    mOutcome.depth = mPlan.depth > 0 ? mPlan.depth : smallest;
+    return true;
+}
+
+bool SessionDriver::submit(int32_t count, const std::function<void(int32_t submitted)>& afterCall) {
+    int32_t submitted = 0;
+    while (submitted < count && !mStalled) {
+        const int32_t batch = std::min({mPlan.batch, mOutcome.depth, count - submitted});
+        if (!mState->waitForRoom(static_cast<size_t>(std::max(1, mOutcome.depth - batch + 1)),
+                                 kStallTimeout)) {
+            mState->report(Rule::kRequestCompletes, std::nullopt,
+                           "nothing completed for " + std::to_string(kStallTimeout.count()) +
+                                   " ms; submission stopped");
+            mStalled = true;
+            break;
+        }
+        std::vector<CaptureRequest> requests(static_cast<size_t>(batch));
+        std::vector<SubmittedRequest> records(static_cast<size_t>(batch));
+        for (int32_t i = 0; i < batch; ++i) {
+            if (!buildRequest(mNextFrameNumber++, &requests[i], &records[i])) {
+                // The buffers taken for the batch are the framework's again.
+                std::vector<int64_t> taken;
+                for (const auto& record : records) {
+                    for (const auto& buffer : record.buffers) taken.push_back(buffer.bufferId);
+                }
+                mState->releaseBuffers(taken);
+                mStalled = true;
+                return false;
+            }
+        }
+        sendBatch(requests, records);
+        submitted += batch;
+        if (afterCall) afterCall(submitted);
+    }
+    return !mStalled;
+}
+
+bool SessionDriver::buildRequest(int32_t frameNumber, CaptureRequest* request,
+                                 SubmittedRequest* record) {
+    request->frameNumber = frameNumber;
+    record->frameNumber = frameNumber;
+    if (!mSettingsSent || frameNumber % kSettingsEvery == 0) {
+        attachSettings(mSettings->request, &request->fmqSettingsSize, &request->settings.metadata);
+        mSettingsSent = true;
+    }
+    request->inputBuffer.streamId = -1;
+    request->inputBuffer.bufferId = 0;
+
+    const bool halBufferManager = mState->halBufferManager();
+    for (const auto& stream : mStreams) {
+        StreamBuffer buffer;
+        buffer.streamId = stream.id;
+        buffer.status = BufferStatus::OK;
+        if (!halBufferManager) {
+            auto lease = mState->acquireBuffer(stream.id, kStallTimeout);
+            if (!lease) {
+                mState->report(Rule::kRequestCompletes, frameNumber,
+                               "no buffer of stream " + std::to_string(stream.id) +
+                                       " came back; submission stopped");
+                return false;
+            }
+            buffer.bufferId = lease->bufferId;
+            if (lease->firstUse) buffer.buffer = android::dupToAidl(lease->handle);
+            // Every other request hands over a fence, as a consumer releasing the buffer does.
+            if (frameNumber % 2 == 1) buffer.acquireFence = signalledFence();
+        }
+        record->buffers.push_back({stream.id, buffer.bufferId});
+        request->outputBuffers.push_back(std::move(buffer));
+    }
+
+    // Every other request on a logical camera carries settings for each physical camera.
+    if (frameNumber % 2 == 1) {
+        for (const auto& id : mCamera.physicalCameraIds) {
+            PhysicalCameraSetting setting;
+            setting.physicalCameraId = id;
+            attachSettings(mSettings->physical, &setting.fmqSettingsSize,
+                           &setting.settings.metadata);
+            request->physicalCameraSettings.push_back(std::move(setting));
+            record->physicalSettingIds.push_back(id);
+        }
+    }
+    return true;
+}
+
+void SessionDriver::attachSettings(const std::vector<uint8_t>& bytes, int64_t* queuedSize,
+                                   std::vector<uint8_t>* inlineBytes) {
+    bool queued = mRequestQueue && mRequestQueue->write(bytes);
+    if (queued) {
+        *queuedSize = static_cast<int64_t>(bytes.size());
+    } else {
+        *inlineBytes = bytes;
+    }
+    mState->countSettings(queued);
+}
+
+void SessionDriver::sendBatch(std::vector<CaptureRequest>& requests,
+                              const std::vector<SubmittedRequest>& records) {
+    std::vector<BufferCache> caches = std::move(mPendingCacheRemovals);
+    mPendingCacheRemovals.clear();
+    mOutcome.cachesRemoved += static_cast<int64_t>(caches.size());
+
+    const auto when = Clock::now();
+    for (const auto& record : records) mState->requestSubmitted(record, when);
+    int32_t processed = -1;
+    ndk::ScopedAStatus status;
+    {
+        HarnessSpan span(mTrace, "processCaptureRequest", requests.front().frameNumber);
+        CpuMeter::AdapterCall cpu;
+        status = mSession->processCaptureRequest(requests, caches, &processed);
+    }
+    if (status.isOk() && processed == static_cast<int32_t>(requests.size())) return;
+
+    std::vector<int32_t> frames;
+    for (const auto& record : records) frames.push_back(record.frameNumber);
+    mState->report(Rule::kRequestAccepted, frames.front(),
+                   status.isOk() ? "processCaptureRequest accepted " + std::to_string(processed) +
+                                           " of " + std::to_string(requests.size()) + " requests"
+                                 : "processCaptureRequest failed: " + status.getDescription());
+    // Without a count the framework takes none of the batch as accepted; with one, the rest.
+    if (status.isOk()) frames.erase(frames.begin(), frames.begin() + std::max(0, processed));
+    mState->requestsRejected(frames);
+    // Settings of requests the device never read would put the queue out of step.
+    if (mRequestQueue) mRequestQueue->discardUnread();
+}
+
+void SessionDriver::flush() {
+    mState->expectErrorsInFlight();
+    {
+        HarnessSpan span(mTrace, "flush");
+        CpuMeter::AdapterCall cpu;
+        check(mSession->flush(), "flush");
+    }
+    ++mOutcome.flushes;
+    mState->checkNothingInFlight("flush");
+}
+
+std::vector<StreamSpec> SessionDriver::reconfiguredStreams() const {
+    // Drop the last stream; add the first one's format at its smallest other size.
+    std::vector<StreamSpec> specs = mPlan.streams;
+    const StreamSpec first = specs.front();
+    if (specs.size() > 1) specs.pop_back();
+    std::optional<StreamSpec> added;
+    for (const auto& output : mCamera.outputs) {
+        StreamSpec other{output.width, output.height, output.format, first.physicalCameraId};
+        if (output.format != first.format ||
+            std::find(specs.begin(), specs.end(), other) != specs.end()) {
+            continue;
+        }
+        if (!added || int64_t{other.width} * other.height < int64_t{added->width} * added->height) {
+            added = other;
+        }
+    }
+    if (added) specs.push_back(*added);
+    return specs;
+}
+
+void SessionDriver::reconfigure() {
+    std::vector<int32_t> ids;
+    for (const auto& stream : mStreams) ids.push_back(stream.id);
+    std::vector<StreamSpec> specs = reconfiguredStreams();
+    {
+        HarnessSpan span(mTrace, "signalStreamFlush");
+        CpuMeter::AdapterCall cpu;
+        check(mSession->signalStreamFlush(ids, mStreamConfigCounter - 1), "signalStreamFlush");
+        bool required = false;
+        CameraMetadata params;
+        params.metadata = mSettings->sessionParameters;
+        check(mSession->isReconfigurationRequired(params, params, &required),
+              "isReconfigurationRequired");
+    }
+    if (!configure(specs)) return;
+    // A framework whose buffer queue shrank frees buffers of a stream that stays.
+    const int32_t kept = mStreams.front().id;
+    for (const auto& freed : mState->discardFreeBuffers(kept, 2)) {
+        mPendingCacheRemovals.push_back(BufferCache{freed.streamId, freed.bufferId});
+    }
+}
+
+void SessionDriver::drain(const char* when) {
+    if (!mState->waitUntilIdle(kStallTimeout)) {
+        mState->report(Rule::kRequestCompletes, std::nullopt,
+                       std::string("requests still in flight ") + when +
+                               " after nothing completed for " +
+                               std::to_string(kStallTimeout.count()) + " ms");
+    }
+}
+
+void SessionDriver::forgetAllBuffers() {
+    for (const auto& freed : mState->discardAllFreeBuffers()) {
+        mPendingCacheRemovals.push_back(BufferCache{freed.streamId, freed.bufferId});
+    }
+    if (mPendingCacheRemovals.empty()) return;
+    std::vector<BufferCache> caches = std::move(mPendingCacheRemovals);
+    mPendingCacheRemovals.clear();
+    mOutcome.cachesRemoved += static_cast<int64_t>(caches.size());
+    int32_t processed = -1;
+    HarnessSpan span(mTrace, "processCaptureRequest");
+    CpuMeter::AdapterCall cpu;
+    if (check(mSession->processCaptureRequest({}, caches, &processed),
+              "processCaptureRequest without requests") &&
+        processed != 0) {
+        mState->report(
+                Rule::kCallStatus, std::nullopt,
+                "processCaptureRequest without requests processed " + std::to_string(processed));
+    }
+}
+
+void SessionDriver::close() {
+    if (mSession) {
+        HarnessSpan span(mTrace, "close");
+        CpuMeter::AdapterCall cpu;
+        check(mSession->close(), "close");
+    }
+    mState->markClosed();
+    mState->finish();
+    mState->dropAllBuffers();
+    mSession.reset();
+    if (mCallback) mCallback->setResultQueue(nullptr);
+    mCallback.reset();
+    mRequestQueue.reset();
+}
+
+}  // namespace camera_harness
