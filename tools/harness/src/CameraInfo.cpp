@@ -2,6 +2,9 @@
 
 #include <system/graphics.h>
 
+#include <algorithm>
+#include <cstdint>
+
 #include "Metadata.h"
 
 namespace camera_harness {

@@ -1,7 +1,5 @@
 #include "Metadata.h"
 
-#include <cstring>
-
 namespace camera_harness {
 
 namespace {

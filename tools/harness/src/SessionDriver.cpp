@@ -9,7 +9,6 @@
 #include <virtual_camera/HostBuffer.h>
 
 #include <algorithm>
-#include <set>
 
 #include "CpuMeter.h"
 #include "FrameworkCallback.h"
@@ -84,12 +83,13 @@ RunOutcome SessionDriver::run() {
                 submit(frames, nullptr);
                 break;
             case Scenario::kFlush: {
-                const int32_t every = std::max(1, frames / (kFlushes + 1));
-                int32_t nextFlush = every;
+                // Flushes spread evenly over the run, each with requests in flight.
+                int32_t flushes = 0;
                 submit(frames, [&](int32_t submitted) {
-                    if (submitted >= nextFlush && submitted < frames) {
+                    if (flushes < kFlushes &&
+                        int64_t{submitted} * (kFlushes + 1) >= int64_t{flushes + 1} * frames) {
                         flush();
-                        nextFlush += every;
+                        ++flushes;
                     }
                 });
                 break;

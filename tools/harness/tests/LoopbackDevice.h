@@ -1,0 +1,65 @@
+/*
+ * LoopbackDevice: an ICameraDevice test double whose session answers every capture request at
+ * once, on the calling thread, the way a correct device does: a shutter, the final metadata
+ * (through the result queue), and every buffer filled with the virtual camera's pattern. It reads
+ * settings from the request queue, keeps the buffers it was sent by (stream, buffer id) like an
+ * adapter's cache, and records what it saw. A Fault makes it break one rule on one frame.
+ *
+ * Calls come from the harness's submitting thread only; the records are read after the run.
+ */
+#pragma once
+
+#include <aidl/android/hardware/camera/device/ICameraDevice.h>
+#include <aidl/android/hardware/camera/device/ICameraDeviceSession.h>
+#include <fmq/AidlMessageQueue.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace camera_harness::testing {
+
+struct LoopbackRecord {
+    int32_t configurations = 0;
+    int32_t flushes = 0;
+    std::vector<size_t> batchSizes;
+    size_t handlesReceived = 0;
+    size_t settingsRead = 0;
+    size_t unknownBuffers = 0;  // ids sent without a handle that were never cached
+    std::vector<std::pair<int32_t, int64_t>> cachesRemoved;
+    size_t buffersCachedAtClose = 0;
+};
+
+struct LoopbackFault {
+    enum Kind { kNone, kWrongBufferId, kNoShutter, kRejectRequest } kind = kNone;
+    int32_t frameNumber = -1;
+};
+
+class LoopbackDevice : public aidl::android::hardware::camera::device::ICameraDeviceDefault {
+public:
+    using CameraMetadata = aidl::android::hardware::camera::device::CameraMetadata;
+    using ICameraDeviceCallback = aidl::android::hardware::camera::device::ICameraDeviceCallback;
+    using ICameraDeviceSession = aidl::android::hardware::camera::device::ICameraDeviceSession;
+    using StreamConfiguration = aidl::android::hardware::camera::device::StreamConfiguration;
+
+    explicit LoopbackDevice(LoopbackFault fault = {}) : mFault(fault) {}
+
+    ndk::ScopedAStatus open(const std::shared_ptr<ICameraDeviceCallback>& callback,
+                            std::shared_ptr<ICameraDeviceSession>* session) override;
+    ndk::ScopedAStatus isStreamCombinationSupported(const StreamConfiguration& streams,
+                                                    bool* supported) override;
+
+    const LoopbackRecord& record() const { return mRecord; }
+
+    // A preview template with an exposure time; what constructDefaultRequestSettings answers.
+    static std::vector<uint8_t> previewTemplate();
+
+private:
+    LoopbackFault mFault;
+    LoopbackRecord mRecord;
+};
+
+}  // namespace camera_harness::testing
