@@ -46,6 +46,13 @@ public:
         std::lock_guard<std::mutex> guard(mLock);
         return mLines;
     }
+    // The texts of the recorded lines, in order.
+    std::vector<std::string> texts() const {
+        std::lock_guard<std::mutex> guard(mLock);
+        std::vector<std::string> result;
+        for (const Line& line : mLines) result.push_back(line.text);
+        return result;
+    }
     std::vector<int32_t> flushes() const {
         std::lock_guard<std::mutex> guard(mLock);
         return mFlushes;
