@@ -12,6 +12,7 @@
 
 #include "CpuMeter.h"
 #include "FrameworkCallback.h"
+#include "Metadata.h"
 #include "MetadataQueue.h"
 #include "TraceFile.h"
 
@@ -74,6 +75,7 @@ SessionDriver::~SessionDriver() = default;
 RunOutcome SessionDriver::run() {
     const auto start = Clock::now();
     mOutcome.fdsBefore = countOpenFds();
+    queryDevice();
     if (open() && configure(mPlan.streams)) {
         const int32_t frames = mPlan.frames;
         switch (mPlan.scenario) {
@@ -122,6 +124,23 @@ bool SessionDriver::check(const ndk::ScopedAStatus& status, const std::string& c
     if (status.isOk()) return true;
     mState->report(Rule::kCallStatus, std::nullopt, call + " failed: " + status.getDescription());
     return false;
+}
+
+void SessionDriver::queryDevice() {
+    HarnessSpan span(mTrace, "device queries");
+    CpuMeter::AdapterCall cpu;
+    aidl::android::hardware::camera::common::CameraResourceCost cost;
+    check(mDevice->getResourceCost(&cost), "getResourceCost");
+    for (const auto& id : mCamera.physicalCameraIds) {
+        CameraMetadata characteristics;
+        if (check(mDevice->getPhysicalCameraCharacteristics(id, &characteristics),
+                  "getPhysicalCameraCharacteristics(" + id + ")") &&
+            viewMetadata(characteristics.metadata) == nullptr) {
+            mState->report(
+                    Rule::kCallStatus, std::nullopt,
+                    "getPhysicalCameraCharacteristics(" + id + ") gave no usable characteristics");
+        }
+    }
 }
 
 bool SessionDriver::open() {

@@ -80,6 +80,8 @@ private:
     using ICameraDeviceSession = aidl::android::hardware::camera::device::ICameraDeviceSession;
     using Stream = aidl::android::hardware::camera::device::Stream;
 
+    // What the framework asks a device before it opens it: resource cost, physical cameras.
+    void queryDevice();
     bool open();
     bool configure(const std::vector<StreamSpec>& specs);
     // Submits `count` requests; `afterCall` runs after every processCaptureRequest call with

@@ -221,6 +221,18 @@ ndk::ScopedAStatus LoopbackDevice::isStreamCombinationSupported(const StreamConf
     return ndk::ScopedAStatus::ok();
 }
 
+ndk::ScopedAStatus LoopbackDevice::getResourceCost(
+        aidl::android::hardware::camera::common::CameraResourceCost* cost) {
+    cost->resourceCost = 50;
+    return ndk::ScopedAStatus::ok();
+}
+
+ndk::ScopedAStatus LoopbackDevice::getPhysicalCameraCharacteristics(const std::string&,
+                                                                    CameraMetadata* characteristics) {
+    characteristics->metadata = previewTemplate();
+    return ndk::ScopedAStatus::ok();
+}
+
 std::vector<uint8_t> LoopbackDevice::previewTemplate() {
     MetadataPtr metadata = copyMetadata(nullptr, 2, 16);
     const int64_t exposure = 10000000;

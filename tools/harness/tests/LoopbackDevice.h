@@ -51,6 +51,10 @@ public:
                             std::shared_ptr<ICameraDeviceSession>* session) override;
     ndk::ScopedAStatus isStreamCombinationSupported(const StreamConfiguration& streams,
                                                     bool* supported) override;
+    ndk::ScopedAStatus getResourceCost(
+            aidl::android::hardware::camera::common::CameraResourceCost* cost) override;
+    ndk::ScopedAStatus getPhysicalCameraCharacteristics(const std::string& id,
+                                                        CameraMetadata* characteristics) override;
 
     const LoopbackRecord& record() const { return mRecord; }
 
