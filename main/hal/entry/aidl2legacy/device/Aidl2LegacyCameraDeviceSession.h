@@ -173,6 +173,11 @@ protected:
 private:
     static constexpr log::Module kLogModule = log::kDeviceModule;
 
+    // The legacy device's ops table; null when there is no device or no table.
+    const camera3_device_ops_t* deviceOps() const {
+        return mCamera3Device != nullptr ? mCamera3Device->ops : nullptr;
+    }
+
     int32_t mLogLevel;
     std::string mName;
     int32_t mInstanceId;
