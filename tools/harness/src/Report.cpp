@@ -183,6 +183,7 @@ std::string jsonReport(const RunReport& report) {
     json.field("resultMetadataInline", t.resultMetadataInline);
     json.field("settingsQueued", t.settingsQueued).field("settingsInline", t.settingsInline);
     json.field("configurations", o.configurations).field("flushes", o.flushes);
+    json.field("combinationsRefused", o.combinationsRefused);
     json.field("bufferCachesRemoved", o.cachesRemoved);
     json.endObject();
 

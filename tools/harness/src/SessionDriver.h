@@ -58,6 +58,7 @@ struct RunOutcome {
     int32_t depth = 0;
     int32_t flushes = 0;
     int32_t configurations = 0;
+    int32_t combinationsRefused = 0;  // configurations isStreamCombinationSupported said no to
     int64_t cachesRemoved = 0;
     size_t fdsBefore = 0;
     size_t fdsAfter = 0;
