@@ -44,31 +44,32 @@ void writeULog(const Module& module, uint32_t level, const char* format, va_list
     }
 }
 
+// Both sinks of one message: the Android log with `androidFormat`, the unified logger with
+// `baseFormat` over the same arguments.
+void writeBoth(const Module& module, int priority, uint32_t level, const char* androidFormat,
+               const char* baseFormat, va_list args) {
+    if (androidLogEnabled()) {
+        va_list androidArgs;
+        va_copy(androidArgs, args);
+        __android_log_vprint(priority, kTag, androidFormat, androidArgs);
+        va_end(androidArgs);
+    }
+    if (uLoggerEnabled()) writeULog(module, level, baseFormat, args);
+}
+
 }  // namespace
 
 void write(const Module& module, int priority, uint32_t level, const char* format, ...) {
     va_list args;
     va_start(args, format);
-    if (androidLogEnabled()) {
-        va_list androidArgs;
-        va_copy(androidArgs, args);
-        __android_log_vprint(priority, kTag, format, androidArgs);
-        va_end(androidArgs);
-    }
-    if (uLoggerEnabled()) writeULog(module, level, format, args);
+    writeBoth(module, priority, level, format, format, args);
     va_end(args);
 }
 
 void writeError(const Module& module, const char* androidFormat, const char* baseFormat, ...) {
     va_list args;
     va_start(args, baseFormat);
-    if (androidLogEnabled()) {
-        va_list androidArgs;
-        va_copy(androidArgs, args);
-        __android_log_vprint(kPriorityError, kTag, androidFormat, androidArgs);
-        va_end(androidArgs);
-    }
-    if (uLoggerEnabled()) writeULog(module, ULogger::kLevelError, baseFormat, args);
+    writeBoth(module, kPriorityError, ULogger::kLevelError, androidFormat, baseFormat, args);
     va_end(args);
 }
 
