@@ -74,7 +74,7 @@ public:
                 if (mSent.insert(buffer.bufferId).second) {
                     buffer.buffer.fds.push_back(mHandles[buffer.bufferId].dup());
                 }
-                ++mHandedOut;
+                ++mTally.handedOut;
             }
             answers->push_back(testing::frameworkAnswer(request.streamId, std::move(buffers)));
         }
@@ -90,10 +90,10 @@ public:
                 find_camera_metadata_ro_entry(reinterpret_cast<camera_metadata_t*>(bytes.data()),
                                               ANDROID_SENSOR_ORIENTATION, &entry) != 0 ||
                 entry.data.i32[0] != result.frameNumber) {
-                ++mAnomalies;
+                ++mTally.anomalies;
             }
             for (const auto& physical : result.physicalCameraMetadata) {
-                if (readQueue(physical.fmqMetadataSize).empty()) ++mAnomalies;
+                if (readQueue(physical.fmqMetadataSize).empty()) ++mTally.anomalies;
             }
             takeBack(result.outputBuffers);
         }
@@ -108,30 +108,19 @@ public:
 
     ndk::ScopedAStatus notify(const std::vector<NotifyMsg>& msgs) override {
         std::lock_guard<std::mutex> guard(mLock);
-        mNotifications += msgs.size();
+        mTally.notifications += msgs.size();
         return ndk::ScopedAStatus::ok();
     }
 
-    size_t handedOut() const {
+    struct Tally {
+        size_t handedOut = 0;
+        size_t takenBack = 0;
+        size_t anomalies = 0;
+        size_t notifications = 0;
+    };
+    Tally tally() const {
         std::lock_guard<std::mutex> guard(mLock);
-        return mHandedOut;
-    }
-    size_t takenBack() const {
-        std::lock_guard<std::mutex> guard(mLock);
-        return mTakenBack;
-    }
-    size_t anomalies() const {
-        std::lock_guard<std::mutex> guard(mLock);
-        return mAnomalies;
-    }
-    size_t notifications() const {
-        std::lock_guard<std::mutex> guard(mLock);
-        return mNotifications;
-    }
-    std::vector<std::pair<int32_t, int64_t>> poolIds() const {
-        std::vector<std::pair<int32_t, int64_t>> ids;
-        for (const auto& [bufferId, fd] : mHandles) ids.emplace_back(bufferId / 100, bufferId);
-        return ids;
+        return mTally;
     }
 
 private:
@@ -140,9 +129,9 @@ private:
         for (const StreamBuffer& buffer : buffers) {
             if (buffer.bufferId / 100 != buffer.streamId ||
                 !mFree[buffer.streamId].insert(buffer.bufferId).second) {
-                ++mAnomalies;
+                ++mTally.anomalies;
             }
-            ++mTakenBack;
+            ++mTally.takenBack;
         }
     }
     std::vector<uint8_t> readQueue(int64_t size) {
@@ -158,10 +147,7 @@ private:
     std::map<int32_t, std::set<int64_t>> mFree;
     std::map<int64_t, ndk::ScopedFileDescriptor> mHandles;
     std::set<int64_t> mSent;
-    size_t mHandedOut = 0;
-    size_t mTakenBack = 0;
-    size_t mAnomalies = 0;
-    size_t mNotifications = 0;
+    Tally mTally;
 };
 
 // Buffers the device holds, on their way to a result or a return.
@@ -281,15 +267,19 @@ TEST_F(CallbackStressTest, FourDeviceThreadsBalanceEveryIdAndCredit) {
     returner.join();
     notifier.join();
 
-    EXPECT_GE(framework->handedOut(), kBuffers);
-    EXPECT_EQ(framework->handedOut(), framework->takenBack());
-    EXPECT_EQ(0u, framework->anomalies());
-    EXPECT_EQ(kBuffers / 2, framework->notifications());
+    const PoolFramework::Tally tally = framework->tally();
+    EXPECT_GE(tally.handedOut, kBuffers);
+    EXPECT_EQ(tally.handedOut, tally.takenBack);
+    EXPECT_EQ(0u, tally.anomalies);
+    EXPECT_EQ(kBuffers / 2, tally.notifications);
     EXPECT_THAT(counts(), UnorderedElementsAre(Pair(1, 6u), Pair(2, 4u)));
-    for (const auto& [streamId, bufferId] : framework->poolIds()) {
-        BufferHandle handle;
-        ASSERT_EQ(0, mCacheMgr->getBufferHandle(streamId, bufferId, &handle)) << bufferId;
-        EXPECT_EQ(0u, mBridge->popBufferId(*handle.buffer, streamId)) << bufferId;
+    for (const auto& [streamId, maxBuffers] : kStreams) {
+        for (int64_t bufferId = streamId * 100 + 1; bufferId <= streamId * 100 + maxBuffers;
+             ++bufferId) {
+            BufferHandle handle;
+            ASSERT_EQ(0, mCacheMgr->getBufferHandle(streamId, bufferId, &handle)) << bufferId;
+            EXPECT_EQ(0u, mBridge->popBufferId(*handle.buffer, streamId)) << bufferId;
+        }
     }
     mBridge->setCallback(mFramework);
     framework.reset();
