@@ -124,7 +124,8 @@ CapturedBuffer ScriptableLegacyDevice::copyBuffer(const camera3_stream_buffer_t&
     copy.buffer = buffer.buffer;
     copy.status = buffer.status;
     copy.acquireFenceNumber = buffer.acquire_fence;
-    if (buffer.acquire_fence >= 0) copy.acquireFence.reset(buffer.acquire_fence);
+    // A record left zero-filled carries 0, which is stdin rather than a fence handed over.
+    if (buffer.acquire_fence > 0) copy.acquireFence.reset(buffer.acquire_fence);
     copy.releaseFence = buffer.release_fence;
     return copy;
 }

@@ -154,13 +154,19 @@ public:
     virtual void linkToDeath();
     virtual void unlinkToDeath();
     // Request settings: `fmqSettingsSize` bytes from the request queue (cloned and kept until
-    // the end of the batch) or, for 0, the inline settings.
+    // the end of the batch) or, for 0, the inline settings. An unreadable size is -EINVAL; a
+    // malformed blob gives null settings and 0.
     virtual int32_t convertMetadataFromFmq(int64_t fmqSettingsSize, const CameraMetadata& settings,
                                            const camera_metadata_t*& out);
     virtual int32_t convertPhysicalCameraSetting(const PhysicalCameraSetting& setting,
                                                  const camera_metadata_t*& out);
+    // One buffer of a request: the imported handle from `cache`, the configured stream (null when
+    // unknown) and a duplicate of the acquire fence, which the device then owns. -ENODEV, with
+    // `out` untouched, when the buffer was not imported.
     virtual int32_t convertStreamBuffer(const RequestBufferCache& cache, const StreamBuffer& buffer,
                                         camera3_stream_buffer& out);
+    // Builds one legacy request and hands it to the device: the device's result, or the failure
+    // that kept the request from going down.
     virtual int32_t processOneCaptureRequest(const RequestBufferCache& cache,
                                              const CaptureRequest& request);
     // Initialises the legacy device with the bridge's callback table; closes it on failure.
@@ -172,6 +178,11 @@ protected:
 
 private:
     static constexpr log::Module kLogModule = log::kDeviceModule;
+
+    // The legacy device's ops table; null when there is no device or no table.
+    const camera3_device_ops_t* deviceOps() const {
+        return mCamera3Device != nullptr ? mCamera3Device->ops : nullptr;
+    }
 
     int32_t mLogLevel;
     std::string mName;

@@ -4,16 +4,12 @@
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "Aidl2LegacyCameraDeviceCallback.h"
-#include "Aidl2LegacyCameraDeviceSession.h"
-#include "BufferHandleCacheMgrSeam.h"
-#include "DeviceTestSupport.h"
-#include "RecordingCameraDeviceCallback.h"
-#include "ScriptableLegacyDevice.h"
+#include "SessionTestSupport.h"
 
 namespace kovo::aidl2legacy {
 namespace {
@@ -23,54 +19,15 @@ using ::testing::_;
 using ::testing::ElementsAre;
 using testing::hasStatus;
 using ::testing::InSequence;
-using testing::MockBufferHandleCacheMgr;
-using ::testing::NiceMock;
 using testing::pointerText;
 using testing::RecordingCameraDeviceCallback;
 using ::testing::Return;
 using testing::ScriptableLegacyDevice;
-using Session = Aidl2LegacyCameraDeviceSession;
+using testing::Session;
+using testing::SessionTest;
 using Entry = ScriptableLegacyDevice::Entry;
 
-constexpr int32_t kInstanceId = 3;
-
-class SessionTest : public testing::LoggingTest {
-protected:
-    std::shared_ptr<Session> createSession(camera3_device_t* device, Session::ResultInfo& result) {
-        return Session::create({kInstanceId, device, mBridge}, result);
-    }
-    std::shared_ptr<Session> createSession() {
-        Session::ResultInfo result;
-        std::shared_ptr<Session> session = createSession(mLegacy.device(), result);
-        EXPECT_NE(nullptr, session);
-        return session;
-    }
-    std::shared_ptr<Session> openSession() {
-        std::shared_ptr<Session> session = createSession();
-        EXPECT_EQ(0, session->open(mFramework));
-        return session;
-    }
-    // The session's log texts, without its name prefix.
-    std::vector<std::string> sessionLogs() {
-        std::vector<std::string> texts;
-        for (const std::string& text : logsStartingWith("[3-aidl-session::")) {
-            texts.push_back(text.substr(strlen("[3-aidl-session")));
-        }
-        return texts;
-    }
-
-    ScriptableLegacyDevice mLegacy;
-    std::shared_ptr<RecordingCameraDeviceCallback> mFramework =
-            ndk::SharedRefBase::make<RecordingCameraDeviceCallback>();
-    std::shared_ptr<Aidl2LegacyCameraDeviceCallback> mBridge =
-            Aidl2LegacyCameraDeviceCallback::create({kInstanceId, mFramework});
-    // Every cache manager the sessions create, in creation order.
-    std::vector<std::shared_ptr<NiceMock<MockBufferHandleCacheMgr>>> mCacheMgrs;
-    testing::ScopedCacheMgrFactory mCacheMgrFactory{[this] {
-        mCacheMgrs.push_back(std::make_shared<NiceMock<MockBufferHandleCacheMgr>>());
-        return mCacheMgrs.back();
-    }};
-};
+constexpr int32_t kInstanceId = testing::kSessionInstanceId;
 
 TEST_F(SessionTest, CreateInitializesTheLegacyDeviceWithTheBridgeTable) {
     Session::ResultInfo result{77};
@@ -289,33 +246,71 @@ TEST_F(SessionTest, FlushGivesTheLegacyResult) {
     EXPECT_TRUE(hasStatus(session->flush(), -ENODEV));
 }
 
-TEST_F(SessionTest, FlushWithoutTheLegacyEntryLogsWhatIsMissing) {
-    ScriptableLegacyDevice withoutOps;
-    withoutOps.removeOpsTable();
-    ScriptableLegacyDevice withoutFlush;
-    withoutFlush.removeEntry(Entry::kFlush);
-    struct Case {
-        camera3_device_t* device;
-        std::vector<std::string> errors;
+// Every optional legacy entry is tested before the call: a missing device, ops table or entry is
+// logged (the entry's line differs in its blanks) and answered with -ENOSYS.
+TEST_F(SessionTest, UncallableLegacyEntriesLogWhatIsMissing) {
+    struct Operation {
+        std::string name;  // as the log names the function
+        Entry entry;
+        std::string opsLine;  // with %s for the table and %e for the entry
+        std::function<ndk::ScopedAStatus(Session&)> call;
     };
-    const std::vector<Case> cases = {
-            {nullptr, {"::flush] Invalid camera3_device_t operations, "}},
-            {withoutOps.device(),
-             {"::flush] Invalid camera3_device_t operations, ",
-              "::flush] mCamera3Device:" + pointerText(withoutOps.device()) + ","}},
-            {withoutFlush.device(),
-             {"::flush] Invalid camera3_device_t operations, ",
-              "::flush] mCamera3Device:" + pointerText(withoutFlush.device()) + ",",
-              "::flush]  mCamera3Device->ops:" + pointerText(withoutFlush.device()->ops) +
-                      ",mCamera3Device->ops->flush:(nil)"}},
+    const std::vector<Operation> operations = {
+            {"flush", Entry::kFlush, " mCamera3Device->ops:%s,mCamera3Device->ops->flush:%e",
+             [](Session& session) { return session.flush(); }},
+            {"signalStreamFlush", Entry::kSignalStreamFlush,
+             "mCamera3Device->ops:%s,mCamera3Device->ops->signal_stream_flush:%e",
+             [](Session& session) { return session.signalStreamFlush({}, 0); }},
+            {"isReconfigurationRequired", Entry::kIsReconfigurationRequired,
+             "mCamera3Device->ops:%s,mCamera3Device->ops->is_reconfiguration_required:%e",
+             [](Session& session) {
+                 bool needed = true;
+                 return session.isReconfigurationRequired({}, {}, &needed);
+             }},
+            {"processOneCaptureRequest", Entry::kProcessCaptureRequest,
+             " mCamera3Device->ops:%s,mCamera3Device->ops->process_capture_request:%e",
+             [](Session& session) {
+                 Session::CaptureRequest request;
+                 request.inputBuffer.streamId = -1;
+                 int32_t processed = 5;
+                 ndk::ScopedAStatus status = session.processCaptureRequest(
+                         testing::movedInto(std::move(request)), {}, &processed);
+                 EXPECT_EQ(5, processed);
+                 return status;
+             }},
     };
-    for (const Case& c : cases) {
-        clearLogs();
-        // Made directly: initialize() would need the ops table.
-        auto session = ndk::SharedRefBase::make<Session>(
-                Session::CreationInfo{kInstanceId, c.device, mBridge});
-        EXPECT_TRUE(hasStatus(session->flush(), -ENOSYS)) << c.errors.size();
-        EXPECT_EQ(c.errors, sessionLogs());
+    for (const Operation& operation : operations) {
+        ScriptableLegacyDevice withoutOps;
+        withoutOps.removeOpsTable();
+        ScriptableLegacyDevice withoutEntry;
+        withoutEntry.removeEntry(operation.entry);
+        std::string opsLine = operation.opsLine;
+        opsLine.replace(opsLine.find("%s"), 2, pointerText(withoutEntry.device()->ops));
+        opsLine.replace(opsLine.find("%e"), 2, "(nil)");
+        const std::string prefix = "::" + operation.name + "] ";
+        const std::string invalid = prefix + "Invalid camera3_device_t operations, ";
+        struct Case {
+            camera3_device_t* device;
+            std::vector<std::string> errors;
+        };
+        const std::vector<Case> cases = {
+                {nullptr, {invalid}},
+                {withoutOps.device(),
+                 {invalid, prefix + "mCamera3Device:" + pointerText(withoutOps.device()) + ","}},
+                {withoutEntry.device(),
+                 {invalid, prefix + "mCamera3Device:" + pointerText(withoutEntry.device()) + ",",
+                  prefix + opsLine}},
+        };
+        for (const Case& c : cases) {
+            // Made directly: initialize() would need the ops table.
+            auto session = ndk::SharedRefBase::make<Session>(
+                    Session::CreationInfo{kInstanceId, c.device, mBridge});
+            ASSERT_EQ(0, session->open(mFramework));
+            clearLogs();
+            EXPECT_TRUE(hasStatus(operation.call(*session), -ENOSYS)) << operation.name;
+            const std::vector<std::string> errors = sessionLogs();
+            EXPECT_EQ(c.errors, errors) << operation.name << " " << c.errors.size();
+        }
     }
 }
 
