@@ -37,10 +37,14 @@ constexpr size_t kBuffers = 100000;
 const std::vector<std::pair<int32_t, uint32_t>> kStreams = {{1, 6}, {2, 4}};
 
 // Hands out ids from each stream's pool and takes each back exactly once, from a result or a
-// return; reads result metadata from the queue and checks it names its frame.
+// return; reads result metadata from the queue and checks it names its frame. Every call first
+// takes both of the bridge's locks (through its accessors), which would deadlock if the bridge
+// made the call holding one.
 class PoolFramework : public aidl::android::hardware::camera::device::BnCameraDeviceCallback {
 public:
-    explicit PoolFramework(const testing::ResultQueueDescriptor& descriptor) : mQueue(descriptor) {
+    PoolFramework(Aidl2LegacyCameraDeviceCallback& bridge,
+                  const testing::ResultQueueDescriptor& descriptor)
+        : mBridge(bridge), mQueue(descriptor) {
         for (const auto& [streamId, maxBuffers] : kStreams) {
             for (uint32_t i = 1; i <= maxBuffers; ++i) {
                 const int64_t bufferId = streamId * 100 + i;
@@ -53,6 +57,7 @@ public:
     ndk::ScopedAStatus requestStreamBuffers(const std::vector<BufferRequest>& requests,
                                             std::vector<StreamBufferRet>* answers,
                                             BufferRequestStatus* status) override {
+        probeBridgeLocks();
         std::lock_guard<std::mutex> guard(mLock);
         *status = BufferRequestStatus::OK;
         for (const BufferRequest& request : requests) {
@@ -82,6 +87,7 @@ public:
     }
 
     ndk::ScopedAStatus processCaptureResult(const std::vector<CaptureResult>& results) override {
+        probeBridgeLocks();
         std::lock_guard<std::mutex> guard(mLock);
         for (const CaptureResult& result : results) {
             std::vector<uint8_t> bytes = readQueue(result.fmqResultSize);
@@ -101,12 +107,14 @@ public:
     }
 
     ndk::ScopedAStatus returnStreamBuffers(const std::vector<StreamBuffer>& buffers) override {
+        probeBridgeLocks();
         std::lock_guard<std::mutex> guard(mLock);
         takeBack(buffers);
         return ndk::ScopedAStatus::ok();
     }
 
     ndk::ScopedAStatus notify(const std::vector<NotifyMsg>& msgs) override {
+        probeBridgeLocks();
         std::lock_guard<std::mutex> guard(mLock);
         mTally.notifications += msgs.size();
         return ndk::ScopedAStatus::ok();
@@ -124,6 +132,12 @@ public:
     }
 
 private:
+    void probeBridgeLocks() {
+        testing::Counts counts;
+        mBridge.getValidBufNum(counts);
+        const native_handle* none = nullptr;
+        mBridge.popBufferId(none, 0);
+    }
     // An id that is not out (or 0, an unknown handle) is an anomaly.
     void takeBack(const std::vector<StreamBuffer>& buffers) {
         for (const StreamBuffer& buffer : buffers) {
@@ -142,6 +156,7 @@ private:
         return bytes;
     }
 
+    Aidl2LegacyCameraDeviceCallback& mBridge;
     mutable std::mutex mLock;
     testing::ResultMetadataQueue mQueue;
     std::map<int32_t, std::set<int64_t>> mFree;
@@ -195,7 +210,7 @@ TEST_F(CallbackStressTest, FourDeviceThreadsBalanceEveryIdAndCredit) {
     {
         testing::ResultQueueDescriptor descriptor;
         mBridge->getCaptureResultMetadataQueue(&descriptor);
-        framework = ndk::SharedRefBase::make<PoolFramework>(descriptor);
+        framework = ndk::SharedRefBase::make<PoolFramework>(*mBridge, descriptor);
     }
     mBridge->setCallback(framework);
     const camera3_callback_ops* table = ops();
