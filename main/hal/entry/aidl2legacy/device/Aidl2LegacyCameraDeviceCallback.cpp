@@ -366,8 +366,9 @@ camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuff
         uint32_t* num_returned_buf_reqs, camera3_stream_buffer_ret* returned_buf_reqs) {
     *num_returned_buf_reqs = 0;
     std::vector<BufferRequest> requests(num_buffer_reqs);
-    for (uint32_t i = 0; i < num_buffer_reqs; ++i)
+    for (uint32_t i = 0; i < num_buffer_reqs; ++i) {
         convertBufferRequest(buffer_reqs[i], requests[i]);
+    }
     waitForValidBuffers(requests);
 
     if (mLogLevel >= 1) {
@@ -411,6 +412,18 @@ camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuff
         A2L_LOGE("[%s::%s] Expect %d buffer requests returned, only got %zu", mName.c_str(),
                  __func__, static_cast<int32_t>(num_buffer_reqs), answers.size());
         return CAMERA3_BUF_REQ_FAILED_UNKNOWN;
+    }
+    // The device sized each record's output_buffers for what it asked for: more would not fit.
+    for (uint32_t i = 0; i < num_buffer_reqs; ++i) {
+        if (answers[i].val.getTag() == StreamBuffersVal::buffers &&
+            answers[i].val.get<StreamBuffersVal::buffers>().size() >
+                    buffer_reqs[i].num_buffers_requested) {
+            A2L_LOGE("[%s::%s] Stream %d got %zu buffers, only %u requested", mName.c_str(),
+                     __func__, answers[i].streamId,
+                     answers[i].val.get<StreamBuffersVal::buffers>().size(),
+                     buffer_reqs[i].num_buffers_requested);
+            return CAMERA3_BUF_REQ_FAILED_UNKNOWN;
+        }
     }
 
     camera3_buffer_request_status result;

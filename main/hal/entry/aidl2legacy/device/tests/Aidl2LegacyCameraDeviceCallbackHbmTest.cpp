@@ -177,6 +177,7 @@ struct RefusalCase {
     BufferRequestStatus status;
     bool binderFails;
     size_t answers;
+    size_t buffersPerAnswer;
     camera3_buffer_request_status expected;
     const char* log;  // after the "[3-aidl2legacy-callback::requestStreamBuffers] " prefix
 };
@@ -189,9 +190,12 @@ TEST_P(HbmRefusalTest, RefusedOrBrokenAnswersLeaveEverythingAsItWas) {
     mFramework->setBufferRequestHandler([&c](const std::vector<BufferRequest>&,
                                              std::vector<StreamBufferRet>* answers,
                                              BufferRequestStatus* status) {
+        int64_t bufferId = 20;
         for (size_t i = 0; i < c.answers; ++i) {
             std::vector<StreamBuffer> buffers;
-            buffers.push_back(frameworkBuffer(5, 20 + static_cast<int64_t>(i)));
+            for (size_t j = 0; j < c.buffersPerAnswer; ++j) {
+                buffers.push_back(frameworkBuffer(5, ++bufferId));
+            }
             answers->push_back(frameworkAnswer(5, std::move(buffers)));
         }
         *status = c.status;
@@ -215,25 +219,29 @@ TEST_P(HbmRefusalTest, RefusedOrBrokenAnswersLeaveEverythingAsItWas) {
     }
 }
 
+// Each case: status, binder failure, answers, buffers per answer, result, error text.
 INSTANTIATE_TEST_SUITE_P(
         Answers, HbmRefusalTest,
         ::testing::Values(RefusalCase{"Configuring", BufferRequestStatus::FAILED_CONFIGURING, false,
-                                      1, CAMERA3_BUF_REQ_FAILED_CONFIGURING, ""},
+                                      1, 1, CAMERA3_BUF_REQ_FAILED_CONFIGURING, ""},
                           RefusalCase{"IllegalArguments",
-                                      BufferRequestStatus::FAILED_ILLEGAL_ARGUMENTS, false, 1,
+                                      BufferRequestStatus::FAILED_ILLEGAL_ARGUMENTS, false, 1, 1,
                                       CAMERA3_BUF_REQ_FAILED_ILLEGAL_ARGUMENTS, ""},
                           RefusalCase{"UnknownStatus", static_cast<BufferRequestStatus>(7), false,
-                                      1, CAMERA3_BUF_REQ_FAILED_UNKNOWN,
+                                      1, 1, CAMERA3_BUF_REQ_FAILED_UNKNOWN,
                                       "Unknown buffer request error code 7"},
-                          RefusalCase{"BinderFailure", BufferRequestStatus::OK, true, 1,
+                          RefusalCase{"BinderFailure", BufferRequestStatus::OK, true, 1, 1,
                                       CAMERA3_BUF_REQ_FAILED_UNKNOWN,
                                       "requestStreamBuffers transaction failed: dead framework."},
-                          RefusalCase{"TooFewAnswers", BufferRequestStatus::OK, false, 0,
+                          RefusalCase{"TooFewAnswers", BufferRequestStatus::OK, false, 0, 0,
                                       CAMERA3_BUF_REQ_FAILED_UNKNOWN,
                                       "Expect 1 buffer requests returned, only got 0"},
                           RefusalCase{"TooManyAnswers", BufferRequestStatus::FAILED_UNKNOWN, false,
+                                      2, 1, CAMERA3_BUF_REQ_FAILED_UNKNOWN,
+                                      "Expect 1 buffer requests returned, only got 2"},
+                          RefusalCase{"MoreBuffersThanAskedFor", BufferRequestStatus::OK, false, 1,
                                       2, CAMERA3_BUF_REQ_FAILED_UNKNOWN,
-                                      "Expect 1 buffer requests returned, only got 2"}),
+                                      "Stream 5 got 2 buffers, only 1 requested"}),
         [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(HbmTest, ZeroRequestsStillAskTheFramework) {
