@@ -1,12 +1,27 @@
 #include "Aidl2LegacyCameraDeviceCallback.h"
 
+#include <aidl/android/hardware/camera/device/BufferStatus.h>
+#include <aidl/android/hardware/camera/device/ErrorCode.h>
+#include <aidl/android/hardware/camera/device/StreamBuffersVal.h>
+#include <aidl/android/hardware/common/NativeHandle.h>
+#include <aidl2legacy/common/BufferHandle.h>
 #include <aidl2legacy/common/IBufferHandleCacheMgr.h>
 #include <aidl2legacy/utils/MetadataConversion.h>
+#include <aidl2legacy/utils/NativeHandleConversion.h>
+#include <android/binder_auto_utils.h>
 #include <system/camera_metadata.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <cstdint>
 #include <utility>
 
 namespace kovo::aidl2legacy {
+
+using aidl::android::hardware::camera::device::BufferStatus;
+using aidl::android::hardware::camera::device::ErrorCode;
+using aidl::android::hardware::camera::device::StreamBuffersVal;
+using aidl::android::hardware::common::NativeHandle;
 
 std::shared_ptr<Aidl2LegacyCameraDeviceCallback> Aidl2LegacyCameraDeviceCallback::create(
         const CreationInfo& info) {
@@ -112,38 +127,155 @@ void Aidl2LegacyCameraDeviceCallback::convertMetadataToFmq(const camera_metadata
     convertMetadata(metadata, out);
 }
 
-// Not wired yet: the capture result path.
-void Aidl2LegacyCameraDeviceCallback::processCaptureResult(const camera3_capture_result*) {}
-
-// Not wired yet: the capture result path.
-void Aidl2LegacyCameraDeviceCallback::convertCaptureResult(const camera3_capture_result&,
-                                                           CaptureResult&) {}
-
-// Not wired yet: the capture result path.
-void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const camera3_stream_buffer&,
-                                                          StreamBuffer&) {}
-
-// Not wired yet: the capture result path.
-void Aidl2LegacyCameraDeviceCallback::convertPhysicalCameraMetadata(const std::string&,
-                                                                    const camera_metadata*,
-                                                                    PhysicalCameraMetadata&) {}
-
-// Not wired yet: the notify path.
-void Aidl2LegacyCameraDeviceCallback::notify(const camera3_notify_msg*) {}
-
-// Not wired yet: the notify path.
-void Aidl2LegacyCameraDeviceCallback::convertNotifyMsg(const camera3_notify_msg&, NotifyMsg&) {}
-
-// Not wired yet: the notify path.
-Aidl2LegacyCameraDeviceCallback::ErrorMsg Aidl2LegacyCameraDeviceCallback::convertErrorMsg(
-        const camera3_error_msg&) {
-    return ErrorMsg{};
+void Aidl2LegacyCameraDeviceCallback::processCaptureResult(const camera3_capture_result* result) {
+    log::ScopedTrace trace("processCaptureResult");
+    if (result == nullptr) {
+        A2L_LOGE("[%s::%s] camera3_capture_result invalid", mName.c_str(), __func__);
+        return;
+    }
+    std::vector<CaptureResult> results(1);
+    convertCaptureResult(*result, results[0]);
+    if (mCallback == nullptr) {
+        A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
+    }
+    ndk::ScopedAStatus status = mCallback->processCaptureResult(results);
+    if (!status.isOk()) {
+        // The ids were popped already; without the framework's word the credit stays taken.
+        A2L_LOGE("[%s::%s] processCaptureResult transaction failed: %s.", mName.c_str(), __func__,
+                 status.getMessage());
+        return;
+    }
+    for (const StreamBuffer& buffer : results[0].outputBuffers) {
+        if (buffer.bufferId != 0) giveBackValidBuffer(buffer.streamId, __func__);
+    }
 }
 
-// Not wired yet: the notify path.
+void Aidl2LegacyCameraDeviceCallback::convertCaptureResult(const camera3_capture_result& in,
+                                                           CaptureResult& out) {
+    out.frameNumber = static_cast<int32_t>(in.frame_number);
+    out.partialResult = static_cast<int32_t>(in.partial_result);
+    // The framework reads the queue back in this order: the result's metadata, then each
+    // physical camera's.
+    convertMetadataToFmq(in.result, out.fmqResultSize, out.result);
+    out.physicalCameraMetadata.resize(in.num_physcam_metadata);
+    for (uint32_t i = 0; i < in.num_physcam_metadata; ++i) {
+        if (in.physcam_ids[i] == nullptr) {
+            A2L_FATAL("[%s::%s] Invalid physical camera id", mName.c_str(), __func__);
+        }
+        convertPhysicalCameraMetadata(std::string(in.physcam_ids[i]), in.physcam_metadata[i],
+                                      out.physicalCameraMetadata[i]);
+    }
+    if (in.input_buffer != nullptr) {
+        convertStreamBuffer(*in.input_buffer, out.inputBuffer);
+    } else {
+        out.inputBuffer.streamId = -1;
+    }
+    out.outputBuffers.resize(in.num_output_buffers);
+    for (uint32_t i = 0; i < in.num_output_buffers; ++i) {
+        convertReturnedBuffer(in.output_buffers[i], out.outputBuffers[i]);
+    }
+
+    std::string summary = "frameNumber:" + std::to_string(out.frameNumber) +
+                          " partialResult:" + std::to_string(out.partialResult) + " phyResultCamId:";
+    for (const PhysicalCameraMetadata& physical : out.physicalCameraMetadata) {
+        summary += physical.physicalCameraId;
+        summary += ',';
+    }
+    summary += ' ';
+    if (out.inputBuffer.streamId != -1) {
+        summary += out.inputBuffer.toString();
+        summary += ", ";
+    }
+    for (const StreamBuffer& buffer : out.outputBuffers) {
+        summary += buffer.toString();
+        summary += ", ";
+    }
+    A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, summary.c_str());
+}
+
+void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const camera3_stream_buffer& in,
+                                                          StreamBuffer& out) {
+    // A device that names no stream gets the id of "no buffer" rather than a read through null.
+    out.streamId = in.stream != nullptr ? Camera3Stream::fromStream(in.stream)->id : -1;
+    out.status = static_cast<BufferStatus>(in.status);
+    // The input buffer keeps its handle's address as its id; output buffers replace it.
+    out.bufferId = static_cast<int64_t>(reinterpret_cast<uintptr_t>(in.buffer));
+    if (in.release_fence != -1) {
+        // Adopted, not duplicated: the fence closes with `out`, after the framework call.
+        out.releaseFence.fds.clear();
+        out.releaseFence.fds.emplace_back(in.release_fence);
+    }
+}
+
+void Aidl2LegacyCameraDeviceCallback::convertReturnedBuffer(const camera3_stream_buffer& in,
+                                                            StreamBuffer& out) {
+    convertStreamBuffer(in, out);
+    out.bufferId =
+            in.buffer != nullptr ? static_cast<int64_t>(popBufferId(*in.buffer, out.streamId)) : 0;
+}
+
+void Aidl2LegacyCameraDeviceCallback::convertPhysicalCameraMetadata(
+        const std::string& physicalCameraId, const camera_metadata* metadata,
+        PhysicalCameraMetadata& out) {
+    out.physicalCameraId = physicalCameraId;
+    convertMetadataToFmq(metadata, out.fmqMetadataSize, out.metadata);
+}
+
+void Aidl2LegacyCameraDeviceCallback::notify(const camera3_notify_msg* msg) {
+    log::ScopedTrace trace("notify");
+    if (msg == nullptr) {
+        A2L_LOGE("[%s::%s] camera3_notify_msg invalid", mName.c_str(), __func__);
+        return;
+    }
+    // A message of unknown type still goes out, as the default (zero error) message.
+    std::vector<NotifyMsg> msgs(1);
+    convertNotifyMsg(*msg, msgs[0]);
+    if (mCallback == nullptr) {
+        A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
+    }
+    ndk::ScopedAStatus status = mCallback->notify(msgs);
+    if (!status.isOk()) {
+        A2L_LOGE("[%s::%s] notify transaction failed: %s.", mName.c_str(), __func__,
+                 status.getMessage());
+    }
+}
+
+void Aidl2LegacyCameraDeviceCallback::convertNotifyMsg(const camera3_notify_msg& in,
+                                                       NotifyMsg& out) {
+    switch (in.type) {
+        case CAMERA3_MSG_SHUTTER:
+            out.set<NotifyMsg::shutter>(convertShutterMsg(in.message.shutter));
+            break;
+        case CAMERA3_MSG_ERROR:
+            out.set<NotifyMsg::error>(convertErrorMsg(in.message.error));
+            break;
+        default:
+            A2L_LOGE("[%s::%s] Type converion failed. Unknown msg type 0x%x", mName.c_str(),
+                     __func__, static_cast<unsigned int>(in.type));
+            break;
+    }
+    const std::string text = out.toString();
+    if (mLogLevel >= 3) A2L_LOGD("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
+}
+
+Aidl2LegacyCameraDeviceCallback::ErrorMsg Aidl2LegacyCameraDeviceCallback::convertErrorMsg(
+        const camera3_error_msg& in) {
+    ErrorMsg out;
+    out.frameNumber = static_cast<int32_t>(in.frame_number);
+    // Read from the stream record itself: any stream the device holds converts.
+    out.errorStreamId =
+            in.error_stream != nullptr ? Camera3Stream::fromStream(in.error_stream)->id : -1;
+    out.errorCode = static_cast<ErrorCode>(in.error_code);
+    return out;
+}
+
 Aidl2LegacyCameraDeviceCallback::ShutterMsg Aidl2LegacyCameraDeviceCallback::convertShutterMsg(
-        const camera3_shutter_msg&) {
-    return ShutterMsg{};
+        const camera3_shutter_msg& in) {
+    ShutterMsg out;
+    out.frameNumber = static_cast<int32_t>(in.frame_number);
+    out.timestamp = static_cast<int64_t>(in.timestamp);
+    out.readoutTimestamp = static_cast<int64_t>(in.readout_timestamp);
+    return out;
 }
 
 size_t Aidl2LegacyCameraDeviceCallback::BufferHasher::operator()(const native_handle* handle) const {
@@ -229,31 +361,215 @@ void Aidl2LegacyCameraDeviceCallback::takeValidBuffers(int32_t streamId, uint32_
     mValidBufferSizeMap.at(streamId) -= count;
 }
 
-// Not wired yet: the HAL buffer manager request path.
 camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuffers(
-        uint32_t, const camera3_buffer_request*, uint32_t*, camera3_stream_buffer_ret*) {
-    return CAMERA3_BUF_REQ_FAILED_UNKNOWN;
+        uint32_t num_buffer_reqs, const camera3_buffer_request* buffer_reqs,
+        uint32_t* num_returned_buf_reqs, camera3_stream_buffer_ret* returned_buf_reqs) {
+    *num_returned_buf_reqs = 0;
+    std::vector<BufferRequest> requests(num_buffer_reqs);
+    for (uint32_t i = 0; i < num_buffer_reqs; ++i) {
+        convertBufferRequest(buffer_reqs[i], requests[i]);
+    }
+    waitForValidBuffers(requests);
+
+    if (mLogLevel >= 1) {
+        std::string text = "[HBM] framework requestStreamBuffers +, ";
+        for (const BufferRequest& request : requests) text += request.toString() + ", ";
+        A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
+    }
+    if (mCallback == nullptr) {
+        A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
+    }
+    std::vector<StreamBufferRet> answers;
+    BufferRequestStatus overall = BufferRequestStatus::OK;
+    ndk::ScopedAStatus status = mCallback->requestStreamBuffers(requests, &answers, &overall);
+    if (mLogLevel >= 1) {
+        std::string text =
+                "[HBM] framework requestStreamBuffers -, BufferRequestStatus:" + toString(overall) +
+                ", ";
+        for (const StreamBufferRet& ret : answers) text += ret.toString() + ", ";
+        A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
+    }
+    if (!status.isOk()) {
+        A2L_LOGE("[%s::%s] requestStreamBuffers transaction failed: %s.", mName.c_str(), __func__,
+                 status.getMessage());
+        return CAMERA3_BUF_REQ_FAILED_UNKNOWN;
+    }
+    switch (overall) {
+        case BufferRequestStatus::FAILED_CONFIGURING:
+            return CAMERA3_BUF_REQ_FAILED_CONFIGURING;
+        case BufferRequestStatus::FAILED_ILLEGAL_ARGUMENTS:
+            return CAMERA3_BUF_REQ_FAILED_ILLEGAL_ARGUMENTS;
+        case BufferRequestStatus::OK:
+        case BufferRequestStatus::FAILED_PARTIAL:
+        case BufferRequestStatus::FAILED_UNKNOWN:
+            break;
+        default:
+            A2L_LOGE("[%s::%s] Unknown buffer request error code %d", mName.c_str(), __func__,
+                     static_cast<int32_t>(overall));
+            return CAMERA3_BUF_REQ_FAILED_UNKNOWN;
+    }
+    if (answers.size() != num_buffer_reqs) {
+        A2L_LOGE("[%s::%s] Expect %d buffer requests returned, only got %zu", mName.c_str(),
+                 __func__, static_cast<int32_t>(num_buffer_reqs), answers.size());
+        return CAMERA3_BUF_REQ_FAILED_UNKNOWN;
+    }
+    // The device sized each record's output_buffers for what it asked for: more would not fit.
+    for (uint32_t i = 0; i < num_buffer_reqs; ++i) {
+        if (answers[i].val.getTag() == StreamBuffersVal::buffers &&
+            answers[i].val.get<StreamBuffersVal::buffers>().size() >
+                    buffer_reqs[i].num_buffers_requested) {
+            A2L_LOGE("[%s::%s] Stream %d got %zu buffers, only %u requested", mName.c_str(),
+                     __func__, answers[i].streamId,
+                     answers[i].val.get<StreamBuffersVal::buffers>().size(),
+                     buffer_reqs[i].num_buffers_requested);
+            return CAMERA3_BUF_REQ_FAILED_UNKNOWN;
+        }
+    }
+
+    camera3_buffer_request_status result;
+    convertBufferRequestStatus(overall, result);
+    *num_returned_buf_reqs = num_buffer_reqs;
+    for (uint32_t i = 0; i < num_buffer_reqs; ++i) {
+        const StreamBufferRet& answer = answers[i];
+        camera3_stream_buffer_ret& ret = returned_buf_reqs[i];
+        std::map<int64_t, BufferHandle> handles;
+        if (answer.val.getTag() == StreamBuffersVal::buffers) {
+            mBufferHandleCacheMgr->importStreamBuffers(answer.val.get<StreamBuffersVal::buffers>(),
+                                                       handles);
+        }
+        auto stream = mStreamMap.find(answer.streamId);
+        if (stream != mStreamMap.end()) {
+            ret.stream = &stream->second.stream;
+        } else {
+            A2L_LOGE("[%s::%s] Unknown streamId %d", mName.c_str(), __func__, answer.streamId);
+            ret.stream = nullptr;
+        }
+        switch (answer.val.getTag()) {
+            case StreamBuffersVal::error:
+                // num_output_buffers stays as the device left it, and comes off the count below.
+                convertBufferRequestError(answer.val.get<StreamBuffersVal::error>(), ret.status);
+                break;
+            case StreamBuffersVal::buffers: {
+                const std::vector<StreamBuffer>& buffers =
+                        answer.val.get<StreamBuffersVal::buffers>();
+                ret.status = CAMERA3_PS_BUF_REQ_OK;
+                ret.num_output_buffers = static_cast<uint32_t>(buffers.size());
+                for (size_t j = 0; j < buffers.size(); ++j) {
+                    camera3_stream_buffer& buffer = ret.output_buffers[j];
+                    convertStreamBuffer(buffers[j], buffer);
+                    auto handle = handles.find(buffers[j].bufferId);
+                    if (handle == handles.end()) {
+                        A2L_FATAL("[%s::%s] fail to find BufferHandle", mName.c_str(), __func__);
+                    }
+                    buffer.buffer = handle->second.buffer;
+                    pushBufferId(*buffer.buffer, static_cast<uint64_t>(buffers[j].bufferId),
+                                 answer.streamId);
+                }
+                break;
+            }
+            default:
+                A2L_FATAL("[%s::%s] Unknown Tag %d", mName.c_str(), __func__,
+                          static_cast<int32_t>(answer.val.getTag()));
+        }
+        takeValidBuffers(answer.streamId, ret.num_output_buffers);
+    }
+    return result;
 }
 
-// Not wired yet: the HAL buffer manager request path.
-void Aidl2LegacyCameraDeviceCallback::convertBufferRequest(const camera3_buffer_request&,
-                                                           BufferRequest&) {}
-
-// Not wired yet: the HAL buffer manager request path.
-void Aidl2LegacyCameraDeviceCallback::convertBufferRequestStatus(const BufferRequestStatus&,
-                                                                 camera3_buffer_request_status&) {}
-
-// Not wired yet: the HAL buffer manager request path.
-void Aidl2LegacyCameraDeviceCallback::convertBufferRequestError(const StreamBufferRequestError&,
-                                                                camera3_stream_buffer_req_status&) {
+void Aidl2LegacyCameraDeviceCallback::waitForValidBuffers(const std::vector<BufferRequest>& requests) {
+    std::unique_lock<std::mutex> lock(mValidBufferSizeLock);
+    for (const BufferRequest& request : requests) {
+        // Each stream gets a full timeout of its own.
+        const auto deadline = std::chrono::steady_clock::now() +
+                              std::chrono::nanoseconds(mBufferRequestTimeoutNs);
+        const auto requested = static_cast<uint32_t>(request.numBuffersRequested);
+        const bool covered = mValidBufferSizeCond.wait_until(lock, deadline, [&] {
+            return mValidBufferSizeMap.at(request.streamId) >= requested;
+        });
+        if (!covered) {
+            // The framework is asked regardless; it has the final word on its buffers.
+            A2L_LOGW(
+                    "[%s::%s] Wait for valid buffer timeout, StmId=%d, ValBufSize=%u, "
+                    "NumBufReq=%d",
+                    mName.c_str(), "requestStreamBuffers", request.streamId,
+                    mValidBufferSizeMap.at(request.streamId), request.numBuffersRequested);
+        }
+    }
 }
 
-// Not wired yet: the HAL buffer manager request path.
-void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const StreamBuffer&,
-                                                          camera3_stream_buffer&) {}
+void Aidl2LegacyCameraDeviceCallback::convertBufferRequest(const camera3_buffer_request& in,
+                                                           BufferRequest& out) {
+    out.streamId = Camera3Stream::fromStream(in.stream)->id;
+    out.numBuffersRequested = static_cast<int32_t>(in.num_buffers_requested);
+}
 
-// Not wired yet: the HAL buffer manager return path.
-void Aidl2LegacyCameraDeviceCallback::returnStreamBuffers(uint32_t,
-                                                          const camera3_stream_buffer* const*) {}
+void Aidl2LegacyCameraDeviceCallback::convertBufferRequestStatus(const BufferRequestStatus& in,
+                                                                 camera3_buffer_request_status& out) {
+    out = static_cast<camera3_buffer_request_status>(in);
+}
+
+void Aidl2LegacyCameraDeviceCallback::convertBufferRequestError(
+        const StreamBufferRequestError& in, camera3_stream_buffer_req_status& out) {
+    out = static_cast<camera3_stream_buffer_req_status>(in);
+}
+
+void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const StreamBuffer& in,
+                                                          camera3_stream_buffer& out) {
+    auto stream = mStreamMap.find(in.streamId);
+    if (stream != mStreamMap.end()) {
+        out.stream = &stream->second.stream;
+    } else {
+        A2L_LOGE("[%s::%s] Unknown streamId %d", mName.c_str(), __func__, in.streamId);
+        out.stream = nullptr;
+    }
+    out.status = static_cast<int>(in.status);
+    // The duplicate belongs to the device; the framework's handle keeps and closes its own fd.
+    out.acquire_fence = [this](const NativeHandle& fence) {
+        if (isAidlNativeHandleNull(fence)) return -1;
+        switch (fence.fds.size()) {
+            case 0:
+                return -1;
+            case 1: {
+                const int fd = dup(fence.fds[0].get());
+                if (fd < 0) {
+                    A2L_LOGE("[%s::%s] failed to dup fence fd %d", mName.c_str(), __func__,
+                             fence.fds[0].get());
+                }
+                return fd;
+            }
+            default:
+                A2L_LOGE("[%s::%s] invalid fence handle with %zu file descriptors", mName.c_str(),
+                         __func__, fence.fds.size());
+                return -1;
+        }
+    }(in.acquireFence);
+    out.release_fence = -1;
+}
+
+void Aidl2LegacyCameraDeviceCallback::returnStreamBuffers(
+        uint32_t num_buffers, const camera3_stream_buffer* const* buffers) {
+    std::string text = "[HBM] framework returnStreamBuffers +, ";
+    std::vector<StreamBuffer> returned(num_buffers);
+    for (uint32_t i = 0; i < num_buffers; ++i) {
+        convertReturnedBuffer(*buffers[i], returned[i]);
+        text += returned[i].toString();
+        text += ", ";
+    }
+    A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
+    if (mCallback == nullptr) {
+        A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
+    }
+    ndk::ScopedAStatus status = mCallback->returnStreamBuffers(returned);
+    A2L_LOGI("[%s::%s] [HBM] framework returnStreamBuffers -", mName.c_str(), __func__);
+    if (!status.isOk()) {
+        // The popped ids are gone; the credit stays taken.
+        A2L_LOGE("[%s::%s] returnStreamBuffers transaction failed: %s.", mName.c_str(), __func__,
+                 status.getMessage());
+        return;
+    }
+    for (const StreamBuffer& buffer : returned) {
+        if (buffer.bufferId != 0) giveBackValidBuffer(buffer.streamId, __func__);
+    }
+}
 
 }  // namespace kovo::aidl2legacy

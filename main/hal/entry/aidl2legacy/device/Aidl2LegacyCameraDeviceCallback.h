@@ -32,6 +32,7 @@
 #include <aidl/android/hardware/camera/device/ShutterMsg.h>
 #include <aidl/android/hardware/camera/device/StreamBuffer.h>
 #include <aidl/android/hardware/camera/device/StreamBufferRequestError.h>
+#include <aidl/android/hardware/camera/device/StreamBufferRet.h>
 #include <aidl/android/hardware/common/fmq/MQDescriptor.h>
 #include <aidl/android/hardware/common/fmq/SynchronizedReadWrite.h>
 #include <aidl2legacy/common/Camera3Stream.h>
@@ -47,6 +48,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "Aidl2LegacyCameraLog.h"
 
@@ -68,6 +70,7 @@ public:
     using StreamBuffer = aidl::android::hardware::camera::device::StreamBuffer;
     using StreamBufferRequestError =
             aidl::android::hardware::camera::device::StreamBufferRequestError;
+    using StreamBufferRet = aidl::android::hardware::camera::device::StreamBufferRet;
     using ResultMetadataQueue =
             android::AidlMessageQueue<int8_t,
                                       aidl::android::hardware::common::fmq::SynchronizedReadWrite>;
@@ -182,6 +185,12 @@ private:
             std::unordered_map<const native_handle*, uint64_t, BufferHasher, BufferComparator>;
 
     static Aidl2LegacyCameraDeviceCallback* fromOps(const camera3_callback_ops* ops);
+
+    // A buffer the device hands back (in a result or a return), with the framework's id popped
+    // from the id map (0 when unknown) and its release fence adopted.
+    void convertReturnedBuffer(const camera3_stream_buffer& in, StreamBuffer& out);
+    // Blocks until each stream's count covers its request, at most one timeout per stream.
+    void waitForValidBuffers(const std::vector<BufferRequest>& requests);
 
     int32_t mLogLevel;
     std::string mName;
