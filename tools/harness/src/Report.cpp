@@ -103,8 +103,10 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
     text += format("  %-20s results %lld queued, %lld inline; settings %lld queued, %lld inline\n",
                    "metadata", ll(t.resultMetadataQueued), ll(t.resultMetadataInline),
                    ll(t.settingsQueued), ll(t.settingsInline));
-    text += format("  %-20s %d configurations, %d flushes, %lld buffer caches removed\n", "session",
-                   o.configurations, o.flushes, ll(o.cachesRemoved));
+    text += format(
+            "  %-20s %d configurations (%d refused by isStreamCombinationSupported), %d "
+            "flushes, %lld buffer caches removed\n",
+            "session", o.configurations, o.combinationsRefused, o.flushes, ll(o.cachesRemoved));
     text += format("  %-20s %.2f fps by shutter timestamps, %.2f s in all\n", "frame rate",
                    report.measuredFps(), static_cast<double>(o.elapsed.count()) / 1e9);
     text += format("  %-20s %zu before open, %zu after close\n", "file descriptors", o.fdsBefore,
@@ -183,6 +185,7 @@ std::string jsonReport(const RunReport& report) {
     json.field("resultMetadataInline", t.resultMetadataInline);
     json.field("settingsQueued", t.settingsQueued).field("settingsInline", t.settingsInline);
     json.field("configurations", o.configurations).field("flushes", o.flushes);
+    json.field("combinationsRefused", o.combinationsRefused);
     json.field("combinationsRefused", o.combinationsRefused);
     json.field("bufferCachesRemoved", o.cachesRemoved);
     json.endObject();
