@@ -77,7 +77,7 @@ CameraInfo CameraInfo::fromCharacteristics(const camera_metadata_t* characterist
     return info;
 }
 
-const OutputConfiguration* CameraInfo::findOutput(const StreamSpec& stream) const {
+const OutputConfiguration* CameraInfo::findOutput(const StreamDescription& stream) const {
     for (const auto& output : outputs) {
         if (output.format == stream.format && output.width == stream.width &&
             output.height == stream.height) {
@@ -87,8 +87,8 @@ const OutputConfiguration* CameraInfo::findOutput(const StreamSpec& stream) cons
     return nullptr;
 }
 
-std::vector<StreamSpec> CameraInfo::defaultStreams(int32_t fps) const {
-    std::vector<StreamSpec> streams;
+std::vector<StreamDescription> CameraInfo::defaultStreams(int32_t fps) const {
+    std::vector<StreamDescription> streams;
     auto add = [&](const OutputConfiguration* output, std::string physicalCameraId) {
         if (output != nullptr) {
             streams.push_back(

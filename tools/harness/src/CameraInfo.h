@@ -35,12 +35,12 @@ struct CameraInfo {
 
     static CameraInfo fromCharacteristics(const camera_metadata_t* characteristics);
 
-    const OutputConfiguration* findOutput(const StreamSpec& stream) const;
+    const OutputConfiguration* findOutput(const StreamDescription& stream) const;
 
     // A preview YUV stream of at most 640x480, an IMPLEMENTATION_DEFINED stream of at most
     // 320x240 (on the first physical camera of a logical camera), and the smallest BLOB stream,
     // each only when a size of that format can run at `fps`.
-    std::vector<StreamSpec> defaultStreams(int32_t fps) const;
+    std::vector<StreamDescription> defaultStreams(int32_t fps) const;
 };
 
 }  // namespace camera_harness

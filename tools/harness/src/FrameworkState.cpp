@@ -17,8 +17,8 @@ std::vector<CachedBuffer> FrameworkState::configure(const std::vector<Configured
     std::vector<CheckedStream> checked;
     std::vector<PoolStream> pooled;
     for (const auto& stream : streams) {
-        checked.push_back({stream.streamId, stream.spec.physicalCameraId});
-        pooled.push_back({stream.streamId, stream.spec.format, stream.bufferSize});
+        checked.push_back({stream.streamId, stream.description.physicalCameraId});
+        pooled.push_back({stream.streamId, stream.description.format, stream.bufferSize});
     }
     mChecker.configureStreams(checked);
     return mPool.configure(pooled);
@@ -245,9 +245,10 @@ std::optional<std::string> FrameworkState::inspectBuffer(int64_t bufferId, int32
     const ConfiguredStream* stream = findStream(streamId);
     auto contents = mPool.contents(bufferId);
     if (stream == nullptr || !contents) return "buffer " + std::to_string(bufferId) + " unmapped";
-    virtual_camera::PatternStream pattern{static_cast<uint32_t>(stream->spec.width),
-                                          static_cast<uint32_t>(stream->spec.height),
-                                          stream->spec.format, stream->spec.physicalCameraId};
+    virtual_camera::PatternStream pattern{static_cast<uint32_t>(stream->description.width),
+                                          static_cast<uint32_t>(stream->description.height),
+                                          stream->description.format,
+                                          stream->description.physicalCameraId};
     auto check = virtual_camera::checkPattern(contents->data, contents->size,
                                               static_cast<uint32_t>(frameNumber), pattern);
     switch (check.status) {

@@ -29,7 +29,7 @@ namespace camera_harness {
 // One configured stream as the framework keeps it.
 struct ConfiguredStream {
     int32_t streamId = 0;
-    StreamSpec spec;
+    StreamDescription description;
     size_t bufferSize = 0;
     int32_t maxBuffers = 0;  // from the device's HalStream
 };

@@ -79,7 +79,7 @@ const std::map<std::string, Setter>& valueOptions() {
              [](const std::string& v, Options* o) {
                  o->streams.clear();
                  for (const auto& item : split(v, ',')) {
-                     auto stream = parseStreamSpec(item);
+                     auto stream = parseStreamDescription(item);
                      if (!stream) return false;
                      o->streams.push_back(*stream);
                  }
@@ -236,8 +236,8 @@ std::optional<int32_t> formatFromName(const std::string& name) {
     return std::nullopt;
 }
 
-std::optional<StreamSpec> parseStreamSpec(const std::string& text) {
-    StreamSpec stream;
+std::optional<StreamDescription> parseStreamDescription(const std::string& text) {
+    StreamDescription stream;
     std::string rest = text;
     if (size_t at = rest.find('@'); at != std::string::npos) {
         stream.physicalCameraId = rest.substr(at + 1);
@@ -259,7 +259,7 @@ std::optional<StreamSpec> parseStreamSpec(const std::string& text) {
     return stream;
 }
 
-std::string toString(const StreamSpec& stream) {
+std::string toString(const StreamDescription& stream) {
     std::string text = std::to_string(stream.width) + "x" + std::to_string(stream.height) + ":" +
                        formatName(stream.format);
     if (!stream.physicalCameraId.empty()) text += "@" + stream.physicalCameraId;

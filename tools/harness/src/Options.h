@@ -20,13 +20,13 @@ enum class BufferLayout { kSingleFd, kFdPerPlane };
 enum class PatternChecking { kAuto, kOn, kOff };
 
 // One output stream as asked for on the command line: WxH:FORMAT[@PHYSICAL_ID].
-struct StreamSpec {
+struct StreamDescription {
     int32_t width = 0;
     int32_t height = 0;
     int32_t format = 0;  // HAL_PIXEL_FORMAT_*
     std::string physicalCameraId;
 
-    bool operator==(const StreamSpec&) const = default;
+    bool operator==(const StreamDescription&) const = default;
 };
 
 struct Options {
@@ -35,9 +35,9 @@ struct Options {
     Scenario scenario = Scenario::kBasic;
     int32_t frames = 90;
     int32_t fps = 30;
-    std::vector<StreamSpec> streams;  // empty: chosen from the camera's configurations
-    int32_t batch = 0;                // 0: the scenario's default
-    int32_t depth = 0;                // 0: the smallest maxBuffers of the configured streams
+    std::vector<StreamDescription> streams;  // empty: chosen from the camera's configurations
+    int32_t batch = 0;                       // 0: the scenario's default
+    int32_t depth = 0;                       // 0: the smallest maxBuffers of the configured streams
     BufferLayout bufferLayout = BufferLayout::kSingleFd;
     PatternChecking patternChecking = PatternChecking::kAuto;
     std::vector<std::pair<std::string, std::string>> properties;
@@ -64,7 +64,7 @@ std::string formatName(int32_t format);
 std::optional<int32_t> formatFromName(const std::string& name);
 
 // "640x480:YUV_420_888@2" and back; nullopt for a malformed item.
-std::optional<StreamSpec> parseStreamSpec(const std::string& text);
-std::string toString(const StreamSpec& stream);
+std::optional<StreamDescription> parseStreamDescription(const std::string& text);
+std::string toString(const StreamDescription& stream);
 
 }  // namespace camera_harness

@@ -77,12 +77,13 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
     text += "streams\n";
     text += format("  %-4s %-11s %-23s %-9s %s\n", "id", "size", "format", "physical", "maxBuffers");
     for (const auto& stream : o.streams) {
-        std::string size = format("%dx%d", stream.spec.width, stream.spec.height);
-        text += format(
-                "  %-4d %-11s %-23s %-9s %d\n", stream.streamId, size.c_str(),
-                formatName(stream.spec.format).c_str(),
-                stream.spec.physicalCameraId.empty() ? "-" : stream.spec.physicalCameraId.c_str(),
-                stream.maxBuffers);
+        std::string size = format("%dx%d", stream.description.width, stream.description.height);
+        text += format("  %-4d %-11s %-23s %-9s %d\n", stream.streamId, size.c_str(),
+                       formatName(stream.description.format).c_str(),
+                       stream.description.physicalCameraId.empty()
+                               ? "-"
+                               : stream.description.physicalCameraId.c_str(),
+                       stream.maxBuffers);
     }
 
     text += "counts\n";
@@ -161,9 +162,9 @@ std::string jsonReport(const RunReport& report) {
     json.key("streams").beginArray();
     for (const auto& stream : o.streams) {
         json.beginObject().field("id", stream.streamId);
-        json.field("width", stream.spec.width).field("height", stream.spec.height);
-        json.field("format", formatName(stream.spec.format));
-        json.field("physicalCameraId", stream.spec.physicalCameraId);
+        json.field("width", stream.description.width).field("height", stream.description.height);
+        json.field("format", formatName(stream.description.format));
+        json.field("physicalCameraId", stream.description.physicalCameraId);
         json.field("maxBuffers", stream.maxBuffers).field("producerUsage", stream.producerUsage);
         json.endObject();
     }

@@ -179,27 +179,27 @@ bool SessionDriver::open() {
     return true;
 }
 
-bool SessionDriver::configure(const std::vector<StreamSpec>& specs) {
+bool SessionDriver::configure(const std::vector<StreamDescription>& descriptions) {
     std::vector<Stream> streams;
-    for (const auto& spec : specs) {
+    for (const auto& description : descriptions) {
         // Streams that stay keep their ids, as the framework keeps them.
         auto old = std::find_if(mStreams.begin(), mStreams.end(), [&](const Stream& stream) {
-            return stream.width == spec.width && stream.height == spec.height &&
-                   static_cast<int32_t>(stream.format) == spec.format &&
-                   stream.physicalCameraId == spec.physicalCameraId;
+            return stream.width == description.width && stream.height == description.height &&
+                   static_cast<int32_t>(stream.format) == description.format &&
+                   stream.physicalCameraId == description.physicalCameraId;
         });
         Stream stream;
         stream.id = old != mStreams.end() ? old->id : mNextStreamId++;
         stream.streamType = StreamType::OUTPUT;
-        stream.width = spec.width;
-        stream.height = spec.height;
-        stream.format = static_cast<gc::PixelFormat>(spec.format);
+        stream.width = description.width;
+        stream.height = description.height;
+        stream.format = static_cast<gc::PixelFormat>(description.format);
         stream.usage = gc::BufferUsage::CPU_READ_OFTEN;
-        stream.dataSpace =
-                spec.format == HAL_PIXEL_FORMAT_BLOB ? gc::Dataspace::JFIF : gc::Dataspace::UNKNOWN;
+        stream.dataSpace = description.format == HAL_PIXEL_FORMAT_BLOB ? gc::Dataspace::JFIF
+                                                                       : gc::Dataspace::UNKNOWN;
         stream.rotation = StreamRotation::ROTATION_0;
-        stream.physicalCameraId = spec.physicalCameraId;
-        stream.bufferSize = spec.format == HAL_PIXEL_FORMAT_BLOB
+        stream.physicalCameraId = description.physicalCameraId;
+        stream.bufferSize = description.format == HAL_PIXEL_FORMAT_BLOB
                                     ? static_cast<int32_t>(mCamera.jpegMaxSize)
                                     : 0;
         stream.groupId = -1;
@@ -245,13 +245,13 @@ bool SessionDriver::configure(const std::vector<StreamSpec>& specs) {
                                    std::to_string(stream.id));
             return false;
         }
-        StreamSpec spec{stream.width, stream.height, static_cast<int32_t>(stream.format),
-                        stream.physicalCameraId};
-        size_t size = virtual_camera::hostBufferSize(spec.format, spec.width, spec.height,
-                                                     mCamera.jpegMaxSize);
-        configured.push_back({stream.id, spec, size, hal->maxBuffers});
-        mOutcome.streams.push_back(
-                {stream.id, spec, hal->maxBuffers, static_cast<int64_t>(hal->producerUsage)});
+        StreamDescription description{stream.width, stream.height,
+                                      static_cast<int32_t>(stream.format), stream.physicalCameraId};
+        size_t size = virtual_camera::hostBufferSize(description.format, description.width,
+                                                     description.height, mCamera.jpegMaxSize);
+        configured.push_back({stream.id, description, size, hal->maxBuffers});
+        mOutcome.streams.push_back({stream.id, description, hal->maxBuffers,
+                                    static_cast<int64_t>(hal->producerUsage)});
     }
     if (halStreams.size() != streams.size()) {
         mState->report(Rule::kCallStatus, std::nullopt,
@@ -382,10 +382,14 @@ void SessionDriver::sendBatch(std::vector<CaptureRequest>& requests,
 
     std::vector<int32_t> frames;
     for (const auto& record : records) frames.push_back(record.frameNumber);
+    std::string batch = frames.size() == 1 ? std::string()
+                                           : " (batch of frames " + std::to_string(frames.front()) +
+                                                     ".." + std::to_string(frames.back()) + ")";
     mState->report(Rule::kRequestAccepted, frames.front(),
                    status.isOk() ? "processCaptureRequest accepted " + std::to_string(processed) +
                                            " of " + std::to_string(requests.size()) + " requests"
-                                 : "processCaptureRequest failed: " + status.getDescription());
+                                 : "processCaptureRequest failed" + batch + ": " +
+                                           status.getDescription());
     // Without a count the framework takes none of the batch as accepted; with one, the rest.
     if (status.isOk()) frames.erase(frames.begin(), frames.begin() + std::max(0, processed));
     mState->requestsRejected(frames);
@@ -404,30 +408,30 @@ void SessionDriver::flush() {
     mState->checkNothingInFlight("flush");
 }
 
-std::vector<StreamSpec> SessionDriver::reconfiguredStreams() const {
+std::vector<StreamDescription> SessionDriver::reconfiguredStreams() const {
     // Drop the last stream; add the first one's format at its smallest other size.
-    std::vector<StreamSpec> specs = mPlan.streams;
-    const StreamSpec first = specs.front();
-    if (specs.size() > 1) specs.pop_back();
-    std::optional<StreamSpec> added;
+    std::vector<StreamDescription> descriptions = mPlan.streams;
+    const StreamDescription first = descriptions.front();
+    if (descriptions.size() > 1) descriptions.pop_back();
+    std::optional<StreamDescription> added;
     for (const auto& output : mCamera.outputs) {
-        StreamSpec other{output.width, output.height, output.format, first.physicalCameraId};
+        StreamDescription other{output.width, output.height, output.format, first.physicalCameraId};
         if (output.format != first.format ||
-            std::find(specs.begin(), specs.end(), other) != specs.end()) {
+            std::find(descriptions.begin(), descriptions.end(), other) != descriptions.end()) {
             continue;
         }
         if (!added || int64_t{other.width} * other.height < int64_t{added->width} * added->height) {
             added = other;
         }
     }
-    if (added) specs.push_back(*added);
-    return specs;
+    if (added) descriptions.push_back(*added);
+    return descriptions;
 }
 
 void SessionDriver::reconfigure() {
     std::vector<int32_t> ids;
     for (const auto& stream : mStreams) ids.push_back(stream.id);
-    std::vector<StreamSpec> specs = reconfiguredStreams();
+    std::vector<StreamDescription> descriptions = reconfiguredStreams();
     {
         HarnessSpan span(mTrace, "signalStreamFlush");
         CpuMeter::AdapterCall cpu;
@@ -438,7 +442,7 @@ void SessionDriver::reconfigure() {
         check(mSession->isReconfigurationRequired(params, params, &required),
               "isReconfigurationRequired");
     }
-    if (!configure(specs)) return;
+    if (!configure(descriptions)) return;
     // A framework whose buffer queue shrank frees buffers of a stream that stays.
     const int32_t kept = mStreams.front().id;
     for (const auto& freed : mState->discardFreeBuffers(kept, 2)) {

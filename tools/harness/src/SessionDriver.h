@@ -40,7 +40,7 @@ struct RunPlan {
     int32_t fps = 30;
     int32_t batch = 1;  // requests per processCaptureRequest call
     int32_t depth = 0;  // 0: the smallest maxBuffers
-    std::vector<StreamSpec> streams;
+    std::vector<StreamDescription> streams;
     BufferLayout bufferLayout = BufferLayout::kSingleFd;
     bool checkPatterns = false;
 };
@@ -48,7 +48,7 @@ struct RunPlan {
 // A configured stream with the device's answer, for the report.
 struct StreamReport {
     int32_t streamId = 0;
-    StreamSpec spec;
+    StreamDescription description;
     int32_t maxBuffers = 0;
     int64_t producerUsage = 0;
 };
@@ -84,7 +84,7 @@ private:
     // What the framework asks a device before it opens it: resource cost, physical cameras.
     void queryDevice();
     bool open();
-    bool configure(const std::vector<StreamSpec>& specs);
+    bool configure(const std::vector<StreamDescription>& descriptions);
     // Submits `count` requests; `afterCall` runs after every processCaptureRequest call with
     // the number submitted so far in this phase. False when the device stalled.
     bool submit(int32_t count, const std::function<void(int32_t submitted)>& afterCall);
@@ -100,7 +100,7 @@ private:
     void close();
     // Checks an AIDL status; false (and a call-status violation) when it is not OK.
     bool check(const ndk::ScopedAStatus& status, const std::string& call);
-    std::vector<StreamSpec> reconfiguredStreams() const;
+    std::vector<StreamDescription> reconfiguredStreams() const;
 
     std::shared_ptr<ICameraDevice> mDevice;
     const CameraInfo& mCamera;

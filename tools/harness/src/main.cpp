@@ -56,7 +56,7 @@ void requestHalBufferManager() {
 
 // The streams to configure: those asked for, all among the camera's outputs, or the defaults.
 bool chooseStreams(const Options& options, const CameraInfo& camera,
-                   std::vector<StreamSpec>* streams, std::string* error) {
+                   std::vector<StreamDescription>* streams, std::string* error) {
     *streams = options.streams.empty() ? camera.defaultStreams(options.fps) : options.streams;
     if (streams->empty()) {
         *error = "the camera has no output that runs at " + std::to_string(options.fps) + " fps";

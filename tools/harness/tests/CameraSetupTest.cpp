@@ -73,7 +73,7 @@ TEST(CameraInfoTest, ReadsWhatTheHarnessNeeds) {
 
 struct Defaults {
     int32_t fps;
-    std::vector<StreamSpec> streams;
+    std::vector<StreamDescription> streams;
 };
 
 class DefaultStreamsTest : public ::testing::TestWithParam<Defaults> {};

@@ -38,16 +38,17 @@ using HalQueue =
 
 constexpr std::chrono::milliseconds kNoWait{0};
 constexpr int64_t kTimestamp = 123456789;
-const StreamSpec kPreview{320, 240, HAL_PIXEL_FORMAT_YCBCR_420_888, ""};
-const StreamSpec kPhysical{176, 144, HAL_PIXEL_FORMAT_IMPLEMENTATION_DEFINED, "2"};
+const StreamDescription kPreview{320, 240, HAL_PIXEL_FORMAT_YCBCR_420_888, ""};
+const StreamDescription kPhysical{176, 144, HAL_PIXEL_FORMAT_IMPLEMENTATION_DEFINED, "2"};
 
-size_t sizeOf(const StreamSpec& spec) {
-    return virtual_camera::hostBufferSize(spec.format, spec.width, spec.height, 0);
+size_t sizeOf(const StreamDescription& description) {
+    return virtual_camera::hostBufferSize(description.format, description.width, description.height,
+                                          0);
 }
 
-virtual_camera::PatternStream patternOf(const StreamSpec& spec) {
-    return {static_cast<uint32_t>(spec.width), static_cast<uint32_t>(spec.height), spec.format,
-            spec.physicalCameraId};
+virtual_camera::PatternStream patternOf(const StreamDescription& description) {
+    return {static_cast<uint32_t>(description.width), static_cast<uint32_t>(description.height),
+            description.format, description.physicalCameraId};
 }
 
 std::vector<uint8_t> metadataWithTimestamp(int64_t timestamp) {
@@ -134,13 +135,14 @@ TEST_P(PatternCheckTest, FilledBuffersMustHoldTheirFramesPattern) {
     auto leases = submit(kFrame);
     if (written.written) {
         for (size_t i = 0; i < leases.size(); ++i) {
-            StreamSpec spec = i == 0 ? kPreview : kPhysical;
-            if (i == 1 && written.logicalPatternInPhysicalBuffer) spec.physicalCameraId.clear();
+            StreamDescription description = i == 0 ? kPreview : kPhysical;
+            if (i == 1 && written.logicalPatternInPhysicalBuffer)
+                description.physicalCameraId.clear();
             auto mapping = virtual_camera::MappedBuffer::map(leases[i].handle, true);
             ASSERT_TRUE(mapping);
             virtual_camera::writePattern(mapping->data(), mapping->size(),
                                          kFrame + (i == 1 ? written.frameOffset : 0),
-                                         patternOf(spec));
+                                         patternOf(description));
         }
     }
     shutter(kFrame);

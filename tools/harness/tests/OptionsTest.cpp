@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(
                                "640x480:BLOB"},
                               [](const Options& o) {
                                   EXPECT_EQ(o.streams,
-                                            (std::vector<StreamSpec>{
+                                            (std::vector<StreamDescription>{
                                                     {640, 480, HAL_PIXEL_FORMAT_YCBCR_420_888, ""},
                                                     {320, 240,
                                                      HAL_PIXEL_FORMAT_IMPLEMENTATION_DEFINED, "2"},
@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(OptionsTest, StreamSpecsPrintAsTheyAreWritten) {
     for (const char* text :
          {"640x480:YUV_420_888", "176x144:IMPLEMENTATION_DEFINED@3", "4032x3024:BLOB"}) {
-        auto stream = parseStreamSpec(text);
+        auto stream = parseStreamDescription(text);
         ASSERT_TRUE(stream) << text;
         EXPECT_EQ(toString(*stream), text);
     }

@@ -18,8 +18,8 @@ using testing::LoopbackDevice;
 using testing::LoopbackFault;
 
 constexpr int32_t kFrames = 12;
-const StreamSpec kPreview{320, 240, HAL_PIXEL_FORMAT_YCBCR_420_888, ""};
-const StreamSpec kPhysical{176, 144, HAL_PIXEL_FORMAT_IMPLEMENTATION_DEFINED, "2"};
+const StreamDescription kPreview{320, 240, HAL_PIXEL_FORMAT_YCBCR_420_888, ""};
+const StreamDescription kPhysical{176, 144, HAL_PIXEL_FORMAT_IMPLEMENTATION_DEFINED, "2"};
 
 CameraInfo loopbackCamera() {
     CameraInfo camera;
@@ -108,8 +108,8 @@ TEST(SessionDriverTest, ReconfigurationMakesTheDeviceForgetDroppedBuffers) {
     // The physical stream went, a smaller preview stream came, the first stream kept its id.
     EXPECT_EQ(reconfigure.outcome.streams[2].streamId, 0);
     EXPECT_EQ(reconfigure.outcome.streams[3].streamId, 2);
-    EXPECT_EQ(reconfigure.outcome.streams[3].spec,
-              (StreamSpec{176, 144, HAL_PIXEL_FORMAT_YCBCR_420_888, ""}));
+    EXPECT_EQ(reconfigure.outcome.streams[3].description,
+              (StreamDescription{176, 144, HAL_PIXEL_FORMAT_YCBCR_420_888, ""}));
     // Removed with the first request after the reconfiguration: the dropped stream's buffer and
     // the kept stream's freed one.
     std::set<std::pair<int32_t, int64_t>> removed(record.cachesRemoved.begin(),
