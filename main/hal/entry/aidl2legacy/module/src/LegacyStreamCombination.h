@@ -1,7 +1,8 @@
 /*
  * LegacyStreamCombination: a StreamCombination as the legacy camera_stream_combination_t that
  * module entry points take. It owns the camera_stream_t array; the physical camera id strings
- * still belong to the caller of the query. Lives on the stack of one query.
+ * still belong to the caller of the query, except that the "-1" marker of a stream tied to no
+ * physical camera becomes the empty id legacy modules expect. Lives on the stack of one query.
  */
 #pragma once
 
@@ -22,6 +23,8 @@ public:
     const camera_stream_combination_t* get() const { return &mCombination; }
 
 private:
+    static constexpr char kNoPhysicalCamera[] = "-1";
+
     std::vector<camera_stream_t> mStreams;
     camera_stream_combination_t mCombination;
 };

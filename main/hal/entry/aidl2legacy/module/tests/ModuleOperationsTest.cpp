@@ -146,7 +146,7 @@ TEST_F(ModuleOperationsTest, CombinationQueryHandsTheLegacyStreamsToTheModuleAt2
     EXPECT_EQ(-EINVAL, mModule->isStreamCombinationSupported(0, combination.get()));
     EXPECT_TRUE(
             mFake.called("is_stream_combination_supported(0,mode 8001:"
-                         "[0 1920x1080 23 900 8c20000 1 -1][0 4000x3000 21 0 0 0 2]);"))
+                         "[0 1920x1080 23 900 8c20000 1 ][0 4000x3000 21 0 0 0 2]);"))
             << mFake.calls();
 }
 
