@@ -131,7 +131,8 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
         text += "rules: all kept\n";
         return text;
     }
-    text += format("rules broken: %zu violations\n", report.violations.size());
+    text += format("rules broken: %zu violation%s\n", report.violations.size(),
+                   report.violations.size() == 1 ? "" : "s");
     for (const auto& [rule, count] : countByRule(report.violations)) {
         text += format("  %-24s %zu\n", ruleName(rule), count);
     }
