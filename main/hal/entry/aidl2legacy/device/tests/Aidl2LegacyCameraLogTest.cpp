@@ -7,6 +7,8 @@
 #include <log/testing/LogCapture.h>
 
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "Aidl2LegacyCameraLog.h"
@@ -16,7 +18,6 @@ namespace kovo::aidl2legacy {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::MatchesRegex;
 
 struct DeviceSite {
     static constexpr log::Module kLogModule = log::kDeviceModule;
@@ -36,9 +37,10 @@ struct Logs : Site {
 
 class LogMacrosTest : public ::testing::Test {
 protected:
-    std::vector<std::string> androidTexts() const {
-        std::vector<std::string> texts;
-        for (const auto& line : mAndroidLog.lines()) texts.push_back(line.text);
+    // The unified logger's texts, cleared for the next round.
+    std::vector<std::string> takeTexts() {
+        std::vector<std::string> texts = mState.logger().texts();
+        mState.logger().clear();
         return texts;
     }
 
@@ -46,117 +48,95 @@ protected:
     android::testing::LogCapture mAndroidLog;
 };
 
+// Bit 0 of the mode is the Android log, bits 1 to 3 the unified logger.
 TEST_F(LogMacrosTest, ModeSelectsTheSinks) {
-    struct Case {
-        uint32_t mode;
-        bool android;
-        bool uLogger;
-    };
-    for (const Case& c : {Case{0, false, false}, Case{1, true, false}, Case{2, false, true},
-                          Case{8, false, true}, Case{3, true, true}}) {
-        mState.set(/*level=*/5, /*mask=*/0x187000, c.mode);
+    for (const auto& [mode, android, uLogger] :
+         {std::tuple{0u, 0u, 0u}, {1u, 1u, 0u}, {2u, 0u, 1u}, {8u, 0u, 1u}, {3u, 1u, 1u}}) {
+        mState.set(/*level=*/5, /*mask=*/0x187000, mode);
         mAndroidLog.clear();
-        mState.logger().clear();
         Logs<DeviceSite>::warning("w");
-        EXPECT_EQ(c.android ? 1u : 0u, mAndroidLog.lines().size()) << "mode " << c.mode;
-        EXPECT_EQ(c.uLogger ? 1u : 0u, mState.logger().lines().size()) << "mode " << c.mode;
+        EXPECT_EQ(android, mAndroidLog.lines().size()) << "mode " << mode;
+        EXPECT_EQ(uLogger, takeTexts().size()) << "mode " << mode;
     }
 }
 
 TEST_F(LogMacrosTest, DetailsLevelGatesEachKind) {
-    struct Case {
-        uint32_t level;
-        std::vector<std::string> written;
-    };
-    for (const Case& c : {Case{1, {"e"}}, Case{2, {"w", "e"}}, Case{4, {"i", "w", "e"}},
-                          Case{5, {"d", "i", "w", "e"}}}) {
-        mState.set(c.level, /*mask=*/0x187000, /*mode=*/3);
-        mState.logger().clear();
+    for (const auto& [level, written] : {std::pair{1u, std::vector<std::string>{"e"}},
+                                         {2u, {"w", "e"}},
+                                         {4u, {"i", "w", "e"}},
+                                         {5u, {"d", "i", "w", "e"}}}) {
+        mState.set(level, /*mask=*/0x187000, /*mode=*/3);
         Logs<CallbackSite>::debug("d");
         Logs<CallbackSite>::info("i");
         Logs<CallbackSite>::warning("w");
         Logs<CallbackSite>::error("e");
         std::vector<std::string> texts;
-        for (const auto& line : mState.logger().lines()) texts.push_back(line.text.substr(10));
-        EXPECT_EQ(c.written, texts) << "level " << c.level;
+        for (const std::string& text : takeTexts()) texts.push_back(text.substr(10));
+        EXPECT_EQ(written, texts) << "level " << level;
     }
 }
 
+// Device info needs bit 20 and one of the 0x87000 bits; callback debug needs all of 0x101000.
 TEST_F(LogMacrosTest, MaskGatesDeviceInfoAndCallbackDebugOnly) {
-    struct Case {
-        uint32_t mask;
-        bool deviceInfo;
-        bool callbackDebug;
-    };
-    for (const Case& c :
-         {Case{0x187000, true, true}, Case{0x087000, false, false}, Case{0x100000, false, false},
-          Case{0x101000, true, true}, Case{0x180000, true, false}}) {
-        mState.set(/*level=*/5, c.mask, /*mode=*/2);
-        mState.logger().clear();
+    for (const auto& [mask, deviceInfo, callbackDebug] : {std::tuple{0x187000u, true, true},
+                                                          {0x087000u, false, false},
+                                                          {0x100000u, false, false},
+                                                          {0x101000u, true, true},
+                                                          {0x180000u, true, false}}) {
+        mState.set(/*level=*/5, mask, /*mode=*/2);
         Logs<DeviceSite>::info("device-info");
         Logs<CallbackSite>::info("callback-info");
         Logs<CallbackSite>::debug("callback-debug");
         Logs<DeviceSite>::debug("device-debug");
         std::vector<std::string> expected;
-        if (c.deviceInfo) expected.push_back("[obj::fn] device-info");
+        if (deviceInfo) expected.push_back("[obj::fn] device-info");
         expected.push_back("[obj::fn] callback-info");
-        if (c.callbackDebug) expected.push_back("[obj::fn] callback-debug");
+        if (callbackDebug) expected.push_back("[obj::fn] callback-debug");
         expected.push_back("[obj::fn] device-debug");
-        std::vector<std::string> texts;
-        for (const auto& line : mState.logger().lines()) texts.push_back(line.text);
-        EXPECT_EQ(expected, texts) << std::hex << "mask 0x" << c.mask;
+        EXPECT_EQ(expected, takeTexts()) << std::hex << "mask 0x" << mask;
     }
 }
 
-TEST_F(LogMacrosTest, KindsCarryTheirPrioritiesLevelsAndModule) {
+// Errors carry the source suffix on the Android log only.
+TEST_F(LogMacrosTest, KindsCarryTheirPrioritiesLevelsModuleAndSuffix) {
     mState.set(/*level=*/5, /*mask=*/0x187000, /*mode=*/3);
     Logs<CallbackSite>::debug("d");
     Logs<DeviceSite>::info("i");
     Logs<DeviceSite>::warning("w");
-    Logs<CallbackSite>::error("e");
-    auto android = mAndroidLog.lines();
-    ASSERT_EQ(4u, android.size());
-    EXPECT_EQ(ANDROID_LOG_DEBUG, android[0].priority);
-    EXPECT_EQ(ANDROID_LOG_INFO, android[1].priority);
-    EXPECT_EQ(ANDROID_LOG_WARN, android[2].priority);
-    EXPECT_EQ(ANDROID_LOG_ERROR, android[3].priority);
-    for (const auto& line : android) EXPECT_EQ("tarnic_hal_aidl2legacy_device", line.tag);
-    auto uLog = mState.logger().lines();
-    ASSERT_EQ(4u, uLog.size());
-    EXPECT_EQ(5, uLog[0].level);
-    EXPECT_EQ(0x101001u, uLog[0].moduleId);
-    EXPECT_EQ(3, uLog[1].level);
-    EXPECT_EQ(0x187001u, uLog[1].moduleId);
-    EXPECT_EQ(2, uLog[2].level);
-    EXPECT_EQ(1, uLog[3].level);
-    EXPECT_EQ("tarnic_hal_aidl2legacy_device", uLog[3].tag);
-}
-
-TEST_F(LogMacrosTest, ErrorsCarryTheSourceSuffixOnTheAndroidLogOnly) {
-    mState.set(/*level=*/1, /*mask=*/0, /*mode=*/3);
-    Logs<DeviceSite>::error("boom");
-    EXPECT_THAT(androidTexts(),
-                ElementsAre(MatchesRegex(R"(\[obj::fn\] boom \(error\)\{#[0-9]+:)"
-                                         R"(main/hal/entry/aidl2legacy/device/tests/)"
-                                         R"(Aidl2LegacyCameraLogTest\.cpp\})")));
-    ASSERT_EQ(1u, mState.logger().lines().size());
-    EXPECT_EQ("[obj::fn] boom", mState.logger().lines()[0].text);
-}
-
-TEST_F(LogMacrosTest, LongMessagesReachTheULoggerCutWithTheUncappedLength) {
-    for (const log::Module* module : {&log::kDeviceModule, &log::kCallbackModule}) {
-        mState.set(/*level=*/2, /*mask=*/0, /*mode=*/2);
-        mState.logger().clear();
-        std::string text(1500, 'x');
-        if (module->formatOnHeap) {
-            Logs<CallbackSite>::warning(text.c_str());
-        } else {
-            Logs<DeviceSite>::warning(text.c_str());
-        }
-        ASSERT_EQ(1u, mState.logger().lines().size());
-        EXPECT_EQ(1500 + 10, mState.logger().lines()[0].length);
-        EXPECT_EQ(1023u, mState.logger().lines()[0].text.size());
+    Logs<CallbackSite>::error("boom");
+    std::vector<int> priorities;
+    for (const auto& line : mAndroidLog.lines()) {
+        priorities.push_back(line.priority);
+        EXPECT_EQ("tarnic_hal_aidl2legacy_device", line.tag);
     }
+    EXPECT_THAT(priorities, ElementsAre(ANDROID_LOG_DEBUG, ANDROID_LOG_INFO, ANDROID_LOG_WARN,
+                                        ANDROID_LOG_ERROR));
+    EXPECT_THAT(mAndroidLog.lines().back().text,
+                ::testing::MatchesRegex(R"(\[obj::fn\] boom \(error\)\{#[0-9]+:)"
+                                        R"(main/hal/entry/aidl2legacy/device/tests/)"
+                                        R"(Aidl2LegacyCameraLogTest\.cpp\})"));
+    std::vector<std::tuple<int32_t, uint32_t, std::string>> uLog;
+    for (const auto& line : mState.logger().lines()) {
+        uLog.emplace_back(line.level, line.moduleId, line.text);
+        EXPECT_EQ("tarnic_hal_aidl2legacy_device", line.tag);
+    }
+    EXPECT_THAT(uLog, ElementsAre(std::tuple(5, 0x101001u, "[obj::fn] d"),
+                                  std::tuple(3, 0x187001u, "[obj::fn] i"),
+                                  std::tuple(2, 0x187001u, "[obj::fn] w"),
+                                  std::tuple(1, 0x101001u, "[obj::fn] boom")));
+}
+
+// The length passed on is the formatter's, uncapped, whichever buffer the module formats into.
+TEST_F(LogMacrosTest, LongMessagesReachTheULoggerCutWithTheUncappedLength) {
+    mState.set(/*level=*/2, /*mask=*/0, /*mode=*/2);
+    const std::string text(1500, 'x');
+    Logs<DeviceSite>::warning(text.c_str());
+    Logs<CallbackSite>::warning(text.c_str());
+    for (const auto& line : mState.logger().lines()) {
+        EXPECT_EQ(1500 + 10, line.length);
+        EXPECT_EQ(1023u, line.text.size());
+    }
+    EXPECT_EQ(2u, mState.logger().lines().size());
 }
 
 TEST_F(LogMacrosTest, ArgumentsAreEvaluatedOnlyOnceAndOnlyPastTheGate) {
@@ -170,20 +150,15 @@ TEST_F(LogMacrosTest, ArgumentsAreEvaluatedOnlyOnceAndOnlyPastTheGate) {
     mState.set(/*level=*/3, /*mask=*/0x187000, /*mode=*/3);
     DeviceLogs::info(&counter);
     EXPECT_EQ(1, counter);
-    EXPECT_THAT(androidTexts(), ElementsAre("[obj::fn] 1"));
+    EXPECT_EQ("[obj::fn] 1", mAndroidLog.lines().at(0).text);
 }
 
 TEST_F(LogMacrosTest, LogLevelPrefersTheGeneralProperty) {
-    struct Case {
-        const char* general;
-        const char* device;
-        int32_t expected;
-    };
-    for (const Case& c : {Case{"", "", 0}, Case{"0", "3", 3}, Case{"2", "3", 2}, Case{"", "1", 1},
-                          Case{"010", "", 8}}) {
-        property_set("vendor.debug.camera.log", c.general);
-        property_set("vendor.debug.camera.log.Aidl2LegacyCameraDevice", c.device);
-        EXPECT_EQ(c.expected, log::readLogLevel()) << c.general << "/" << c.device;
+    for (const auto& [general, device, expected] :
+         {std::tuple{"", "", 0}, {"0", "3", 3}, {"2", "3", 2}, {"", "1", 1}, {"010", "", 8}}) {
+        property_set("vendor.debug.camera.log", general);
+        property_set("vendor.debug.camera.log.Aidl2LegacyCameraDevice", device);
+        EXPECT_EQ(expected, log::readLogLevel()) << general << "/" << device;
     }
     property_set("vendor.debug.camera.log", "");
     property_set("vendor.debug.camera.log.Aidl2LegacyCameraDevice", "");
@@ -194,14 +169,8 @@ TEST_F(LogMacrosTest, LogLevelPrefersTheGeneralProperty) {
 TEST(TraceSectionTest, BeginAndEndTestTheCameraTagIndependently) {
     using android::testing::TraceEventKind;
     android::testing::TraceCapture capture;
-    auto kinds = [&] {
-        std::vector<TraceEventKind> result;
-        for (const auto& event : capture.events()) result.push_back(event.kind);
-        return result;
-    };
     android::testing::setTraceEnabledTags(ATRACE_TAG_CAMERA);
     { log::ScopedTrace section("notify"); }
-    EXPECT_EQ(capture.events().front().name, "notify");
     {
         log::ScopedTrace section("turnedOff");
         android::testing::setTraceEnabledTags(ATRACE_TAG_HAL);
@@ -211,9 +180,12 @@ TEST(TraceSectionTest, BeginAndEndTestTheCameraTagIndependently) {
         android::testing::setTraceEnabledTags(ATRACE_TAG_CAMERA);
     }
     android::testing::setTraceEnabledTags(ATRACE_TAG_NOT_READY);
-    EXPECT_EQ(kinds(), (std::vector<TraceEventKind>{TraceEventKind::Begin, TraceEventKind::End,
-                                                    TraceEventKind::Begin, TraceEventKind::End}));
-    EXPECT_EQ(capture.events()[2].name, "turnedOff");
+    std::vector<std::pair<TraceEventKind, std::string>> events;
+    for (const auto& event : capture.events()) events.emplace_back(event.kind, event.name);
+    EXPECT_THAT(events, ElementsAre(std::pair(TraceEventKind::Begin, "notify"),
+                                    std::pair(TraceEventKind::End, ""),
+                                    std::pair(TraceEventKind::Begin, "turnedOff"),
+                                    std::pair(TraceEventKind::End, "")));
 }
 
 TEST(LogMacrosDeathTest, FatalFlushesTheULoggerAndAbortsWithTheSuffixedText) {

@@ -1,7 +1,7 @@
 /*
  * Shared pieces of the callback bridge's path tests: a fixture that sets the bridge up as a
- * session does (framework callback attached to the result queue, streams configured), buffers as
- * a legacy device holds them, and fences.
+ * session does (framework callback attached to the result queue, streams configured) and checks
+ * that no test leaves an fd open, buffers as a legacy device holds them, and fences.
  */
 #pragma once
 
@@ -22,6 +22,7 @@
 
 #include "Aidl2LegacyCameraDeviceCallback.h"
 #include "DeviceTestSupport.h"
+#include "OpenFds.h"
 #include "RecordingCameraDeviceCallback.h"
 
 namespace kovo::aidl2legacy::testing {
@@ -35,6 +36,11 @@ inline int makeFence() {
 
 inline bool isOpen(int fd) {
     return fcntl(fd, F_GETFD) >= 0;
+}
+
+// What a framework that has gone answers.
+inline ndk::ScopedAStatus deadFramework() {
+    return ndk::ScopedAStatus::fromServiceSpecificErrorWithMessage(10, "dead framework");
 }
 
 // A buffer as the legacy device holds it: a handle whose fd number is only a key (never opened
@@ -107,6 +113,12 @@ struct DeviceBufferRequest {
 class BridgeTest : public LoggingTest {
 protected:
     BridgeTest() { startBridge(0); }
+    void SetUp() override { mOpenFds = countOpenFds(); }
+    // The cache keeps the handles it imported until it is reset.
+    void TearDown() override {
+        mCacheMgr->resetCacheMgr();
+        EXPECT_EQ(mOpenFds, countOpenFds());
+    }
 
     // A new bridge whose debug level is `logLevel`, with the framework attached to its queue.
     void startBridge(int32_t logLevel) {
@@ -120,15 +132,16 @@ protected:
     }
 
     // Configures streams given as (stream id, max_buffers), as the session's configureStreams
-    // does after the device configured them.
+    // does after the device configured them. The fixture keeps the first record of an id.
     void configure(const std::vector<std::pair<int32_t, uint32_t>>& streams) {
         mStreams.clear();
+        std::vector<Camera3Stream> records(streams.size());
         std::vector<camera3_stream_t*> pointers;
-        for (const auto& [id, maxBuffers] : streams) {
-            Camera3Stream& record = mStreams[id];
-            record.id = id;
-            record.stream.max_buffers = maxBuffers;
-            pointers.push_back(&record.stream);
+        for (size_t i = 0; i < streams.size(); ++i) {
+            records[i].id = streams[i].first;
+            records[i].stream.max_buffers = streams[i].second;
+            pointers.push_back(&records[i].stream);
+            mStreams.emplace(records[i].id, records[i]);
         }
         camera3_stream_configuration config{};
         config.num_streams = static_cast<uint32_t>(pointers.size());
@@ -152,6 +165,7 @@ protected:
     std::shared_ptr<IBufferHandleCacheMgr> mCacheMgr = IBufferHandleCacheMgr::create();
     std::shared_ptr<Aidl2LegacyCameraDeviceCallback> mBridge;
     std::map<int32_t, Camera3Stream> mStreams;
+    size_t mOpenFds = 0;
 };
 
 }  // namespace kovo::aidl2legacy::testing

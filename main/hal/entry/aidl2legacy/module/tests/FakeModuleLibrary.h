@@ -33,6 +33,7 @@ public:
     FakeModuleLibrary& operator=(const FakeModuleLibrary&) = delete;
 
     const std::string& path() const { return mPath; }
+    void reset() { mReset(); }
     struct fake_camera_module_script& script() {
         return *mScript;
     }
