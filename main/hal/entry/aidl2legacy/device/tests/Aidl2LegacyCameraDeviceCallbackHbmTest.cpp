@@ -350,6 +350,7 @@ TEST_F(HbmTest, CaptureWithDeviceManagedBuffersRoundTripsThroughTheSession) {
     ASSERT_EQ(1u, results.size());
     EXPECT_GT(results[0].metadata.fmqSize, 0);
     EXPECT_EQ(testing::bytesOf(resultMetadata.get()), results[0].metadata.bytes);
+    EXPECT_EQ(-1, results[0].inputBuffer.streamId);
     ASSERT_EQ(1u, results[0].outputBuffers.size());
     EXPECT_EQ(4, results[0].outputBuffers[0].streamId);
     EXPECT_EQ(mLastBufferId, results[0].outputBuffers[0].bufferId);

@@ -94,18 +94,6 @@ TEST_F(ResultTest, FullResultReachesTheFrameworkInOneCall) {
                        got.outputBuffers[1].text + ", "));
 }
 
-TEST_F(ResultTest, MetadataOnlyResultCarriesNoBuffers) {
-    MetadataPtr metadata = makeMetadata(1);
-    send({3, metadata.get(), 0, nullptr, nullptr, 1, 0, nullptr, nullptr});
-    std::vector<Framework::RecordedResult> received = mFramework->results();
-    ASSERT_EQ(1u, received.size());
-    EXPECT_EQ(-1, received[0].inputBuffer.streamId);
-    EXPECT_THAT(received[0].outputBuffers, IsEmpty());
-    EXPECT_EQ(bytesOf(metadata.get()), received[0].metadata.bytes);
-    EXPECT_TRUE(logged(std::string(kPrefix) +
-                       "convertCaptureResult] frameNumber:3 partialResult:1 phyResultCamId: "));
-}
-
 // The result goes to the queue first and fills it; the physical metadata then goes inline. The
 // queue is read here by the test, after unread data filled it up.
 TEST_F(ResultTest, PhysicalMetadataThatNoLongerFitsGoesInline) {
