@@ -16,6 +16,7 @@ namespace {
 
 using aidl::android::hardware::camera::device::BufferRequest;
 using aidl::android::hardware::camera::device::BufferRequestStatus;
+using aidl::android::hardware::camera::device::ShutterMsg;
 using aidl::android::hardware::camera::device::StreamBuffer;
 using aidl::android::hardware::camera::device::StreamBufferRequestError;
 using aidl::android::hardware::camera::device::StreamBufferRet;
@@ -312,7 +313,8 @@ TEST_F(HbmTest, FailedReturnKeepsTheCreditButSpendsIdsAndFences) {
 
 // One capture through the whole library, the legacy device using the HAL buffer manager: the
 // request goes down through the session without a buffer (id 0), the device asks for one through
-// the table it was initialised with, and the result comes back up with the buffer's id restored.
+// the table it was initialised with, and the shutter and the result come back up with the buffer's
+// id restored.
 TEST_F(HbmTest, CaptureWithDeviceManagedBuffersRoundTripsThroughTheSession) {
     testing::ScriptableLegacyDevice legacy;
     testing::Session::ResultInfo info;
@@ -338,6 +340,10 @@ TEST_F(HbmTest, CaptureWithDeviceManagedBuffersRoundTripsThroughTheSession) {
     const camera3_callback_ops* table = legacy.callbackOps();
     DeviceBufferRequest bufferRequest({{stream, 1}});
     ASSERT_EQ(CAMERA3_BUF_REQ_OK, bufferRequest.send(table));
+    camera3_notify_msg shutter{};
+    shutter.type = CAMERA3_MSG_SHUTTER;
+    shutter.message.shutter = {1, 5000, 5100};
+    table->notify(table, &shutter);
     camera3_stream_buffer output = bufferRequest.records[0].output_buffers[0];
     output.stream = stream;
     output.release_fence = makeFence();
@@ -346,6 +352,7 @@ TEST_F(HbmTest, CaptureWithDeviceManagedBuffersRoundTripsThroughTheSession) {
                                   nullptr};
     table->process_capture_result(table, &result);
 
+    EXPECT_THAT(mFramework->notifications(), ElementsAre(ShutterMsg{1, 5000, 5100}));
     std::vector<Framework::RecordedResult> results = mFramework->results();
     ASSERT_EQ(1u, results.size());
     EXPECT_GT(results[0].metadata.fmqSize, 0);

@@ -450,6 +450,28 @@ TEST_F(DeviceTest, OpenedSessionCapturesFlushesAndReleasesEverything) {
         EXPECT_EQ(device[0].outputBuffers[1].buffer, device[2].outputBuffers.at(0).buffer);
         EXPECT_EQ(-1, device[2].outputBuffers[0].acquireFenceNumber);
 
+        // The device completes frame 0. Only buffers the device asked for have their ids recorded,
+        // so these come back up with id 0.
+        camera3_stream_buffer done[2];
+        for (int stream = 0; stream < 2; ++stream) {
+            done[stream] = {records[stream], device[0].outputBuffers[stream].buffer,
+                            CAMERA3_BUFFER_STATUS_OK, -1, -1};
+        }
+        MetadataPtr resultMetadata = makeMetadata(11);
+        camera3_capture_result result{0,      resultMetadata.get(), 2, done, nullptr, 1, 0, nullptr,
+                                      nullptr};
+        const camera3_callback_ops* ops = mLegacy.callbackOps();
+        ops->process_capture_result(ops, &result);
+        const std::vector<Framework::RecordedResult> results = framework->results();
+        ASSERT_EQ(1u, results.size());
+        EXPECT_GT(results[0].metadata.fmqSize, 0);
+        EXPECT_EQ(bytesOf(resultMetadata.get()), results[0].metadata.bytes);
+        ASSERT_EQ(2u, results[0].outputBuffers.size());
+        for (int stream = 0; stream < 2; ++stream) {
+            EXPECT_EQ(stream + 1, results[0].outputBuffers[stream].streamId);
+            EXPECT_EQ(0, results[0].outputBuffers[stream].bufferId);
+        }
+
         EXPECT_CALL(mLegacy.mock(), flush()).WillOnce(Return(0));
         EXPECT_TRUE(session->flush().isOk());
         EXPECT_TRUE(session->signalStreamFlush({2, 1}, configuration.streamConfigCounter).isOk());
