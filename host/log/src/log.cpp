@@ -1,7 +1,6 @@
 #include <android/log.h>
-#include <log/testing/LogCapture.h>
-
 #include <errno.h>
+#include <log/testing/LogCapture.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -103,7 +102,8 @@ extern "C" void __android_log_assert(const char* cond, const char* tag, const ch
     // The message reaches stderr even while a test captures the log: a death test matches it.
     char line[kLogBufSize + 1];
     int length = snprintf(line, sizeof(line), "%s\n", buf);
-    ssize_t ignored = write(STDERR_FILENO, line, std::min(static_cast<size_t>(length), sizeof(line) - 1));
+    ssize_t ignored =
+            write(STDERR_FILENO, line, std::min(static_cast<size_t>(length), sizeof(line) - 1));
     (void)ignored;
     emit(ANDROID_LOG_FATAL, defaultTag(tag), buf);
     abort();

@@ -1,9 +1,8 @@
 #include <android/log.h>
-#include <log/log.h>
-#include <log/testing/LogCapture.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <log/log.h>
+#include <log/testing/LogCapture.h>
 #include <unistd.h>
 
 #include <string>

@@ -20,11 +20,11 @@
 #define ALOG(priority, tag, ...) __android_log_print(ANDROID_##priority, tag, __VA_ARGS__)
 
 #if LOG_NDEBUG
-#define ALOGV(...)                                 \
-    do {                                           \
-        if (0) {                                   \
+#define ALOGV(...)                                   \
+    do {                                             \
+        if (0) {                                     \
             ALOG(LOG_VERBOSE, LOG_TAG, __VA_ARGS__); \
-        }                                          \
+        }                                            \
     } while (0)
 #else
 #define ALOGV(...) ALOG(LOG_VERBOSE, LOG_TAG, __VA_ARGS__)
@@ -36,10 +36,9 @@
 
 #define LOG_ALWAYS_FATAL(...) __android_log_assert(NULL, LOG_TAG, __VA_ARGS__)
 
-#define LOG_ALWAYS_FATAL_IF(cond, ...)                                     \
-    ((__builtin_expect(!!(cond), 0))                                       \
-             ? ((void)__android_log_assert(#cond, LOG_TAG, ##__VA_ARGS__)) \
-             : (void)0)
+#define LOG_ALWAYS_FATAL_IF(cond, ...)                                                             \
+    ((__builtin_expect(!!(cond), 0)) ? ((void)__android_log_assert(#cond, LOG_TAG, ##__VA_ARGS__)) \
+                                     : (void)0)
 
 #if LOG_NDEBUG
 #define LOG_FATAL_IF(cond, ...) ((void)0)

@@ -8,10 +8,9 @@
  */
 #pragma once
 
+#include <hardware/camera_common.h>
 #include <stdint.h>
 #include <sys/cdefs.h>
-
-#include <hardware/camera_common.h>
 #include <system/camera_metadata.h>
 
 __BEGIN_DECLS
@@ -23,8 +22,8 @@ __BEGIN_DECLS
  * template is unsupported. Fallback when absent: null.
  */
 #define TARNIC_CAMERA_DEFAULT_REQUEST_SETTINGS_SYM "tarnic_camera_default_request_settings"
-typedef const camera_metadata_t* (*tarnic_camera_default_request_settings_t)(
-        int camera_id, int request_template);
+typedef const camera_metadata_t* (*tarnic_camera_default_request_settings_t)(int camera_id,
+                                                                             int request_template);
 
 /*
  * Characteristics that change for the given stream combination and session parameters
