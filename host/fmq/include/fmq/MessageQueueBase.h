@@ -209,6 +209,8 @@ private:
     size_t availableToReadBytes(Error* errorDetected, std::string* errorMessage) const;
     // Sets the read counter to the write counter after the writer overran the reader.
     void resetAfterOverflow(uint64_t writePtr) const;
+    // The nMessages slots from counter `position` on, split where the ring wraps.
+    MemTransaction slotsAt(uint64_t position, size_t nMessages) const;
 
     hardware::details::GrantorMapping mReadMapping;
     hardware::details::GrantorMapping mWriteMapping;
@@ -343,17 +345,7 @@ bool MessageQueueBase<MQDescriptorType, T, flavor>::beginWrite(size_t nMessages,
         hardware::details::logError("The write pointer has become misaligned.");
         return false;
     }
-    size_t queueSize = mDesc->getSize();
-    size_t writeOffset = writePtr % queueSize;
-    size_t contiguousMessages = (queueSize - writeOffset) / sizeof(T);
-    T* address = reinterpret_cast<T*>(mRing + writeOffset);
-    if (contiguousMessages < nMessages) {
-        *result = MemTransaction(
-                MemRegion(address, contiguousMessages),
-                MemRegion(reinterpret_cast<T*>(mRing), nMessages - contiguousMessages));
-    } else {
-        *result = MemTransaction(MemRegion(address, nMessages), MemRegion());
-    }
+    *result = slotsAt(writePtr, nMessages);
     return true;
 }
 
@@ -383,16 +375,7 @@ bool MessageQueueBase<MQDescriptorType, T, flavor>::beginRead(size_t nMessages,
         return false;
     }
     if (nMessages > getQuantumCount() || writePtr - readPtr < nMessages * sizeof(T)) return false;
-    size_t readOffset = readPtr % queueSize;
-    size_t contiguousMessages = (queueSize - readOffset) / sizeof(T);
-    T* address = reinterpret_cast<T*>(mRing + readOffset);
-    if (contiguousMessages < nMessages) {
-        *result = MemTransaction(
-                MemRegion(address, contiguousMessages),
-                MemRegion(reinterpret_cast<T*>(mRing), nMessages - contiguousMessages));
-    } else {
-        *result = MemTransaction(MemRegion(address, nMessages), MemRegion());
-    }
+    *result = slotsAt(readPtr, nMessages);
     return true;
 }
 
@@ -415,6 +398,20 @@ template <template <typename, hardware::MQFlavor> class MQDescriptorType, typena
 void MessageQueueBase<MQDescriptorType, T, flavor>::resetAfterOverflow(uint64_t writePtr) const {
     hardware::details::logError("Read failed after an overflow. Resetting read pointer.");
     mReadPtr->store(writePtr, std::memory_order_release);
+}
+
+template <template <typename, hardware::MQFlavor> class MQDescriptorType, typename T,
+          hardware::MQFlavor flavor>
+typename MessageQueueBase<MQDescriptorType, T, flavor>::MemTransaction
+MessageQueueBase<MQDescriptorType, T, flavor>::slotsAt(uint64_t position, size_t nMessages) const {
+    size_t offset = position % mDesc->getSize();
+    size_t contiguousMessages = (mDesc->getSize() - offset) / sizeof(T);
+    T* address = reinterpret_cast<T*>(mRing + offset);
+    if (contiguousMessages >= nMessages) {
+        return MemTransaction(MemRegion(address, nMessages), MemRegion());
+    }
+    return MemTransaction(MemRegion(address, contiguousMessages),
+                          MemRegion(reinterpret_cast<T*>(mRing), nMessages - contiguousMessages));
 }
 
 }  // namespace android
