@@ -23,10 +23,11 @@ struct StreamSize {
     int64_t stallDuration;  // BLOB only
 };
 
-// YUV_420_888 and IMPLEMENTATION_DEFINED share these sizes; the small ones run at 1000 fps.
+// YUV_420_888 and IMPLEMENTATION_DEFINED share these sizes; 320x240 runs at 1000 fps and
+// 176x144 at 4000 fps.
 constexpr StreamSize kProcessedSizes[] = {
         {4032, 3024, 33333333, 0}, {1920, 1080, 16666666, 0}, {1280, 720, 8333333, 0},
-        {640, 480, 4166666, 0},    {320, 240, 1000000, 0},    {176, 144, 1000000, 0},
+        {640, 480, 4166666, 0},    {320, 240, 1000000, 0},    {176, 144, 250000, 0},
 };
 constexpr StreamSize kBlobSizes[] = {
         {4032, 3024, 33333333, 33333333},
@@ -102,13 +103,13 @@ uint8_t captureIntent(int requestTemplate) {
 
 }  // namespace
 
-CameraCharacteristics::CameraCharacteristics(CameraDescription description, bool halBufferManager)
+CameraCharacteristics::CameraCharacteristics(CameraDescription description, const Options& options)
     : mDescription(std::move(description)) {
     for (int requestTemplate = CAMERA3_TEMPLATE_PREVIEW; requestTemplate < CAMERA3_TEMPLATE_COUNT;
          ++requestTemplate) {
         mTemplates.push_back(buildTemplate(requestTemplate));
     }
-    buildStatic(halBufferManager);
+    buildStatic(options);
 
     MetadataBuilder session;
     session.set(ANDROID_CONTROL_ZOOM_RATIO_RANGE, {1.0f, kMaxZoom});
@@ -234,7 +235,7 @@ MetadataPtr CameraCharacteristics::buildTemplate(int requestTemplate) const {
     return settings.build();
 }
 
-void CameraCharacteristics::buildStatic(bool halBufferManager) {
+void CameraCharacteristics::buildStatic(const Options& options) {
     MetadataBuilder info;
     info.set(ANDROID_COLOR_CORRECTION_AVAILABLE_ABERRATION_MODES,
              {u8(ANDROID_COLOR_CORRECTION_ABERRATION_MODE_OFF),
@@ -278,7 +279,7 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
     }
     info.set(ANDROID_INFO_SUPPORTED_HARDWARE_LEVEL,
              {u8(ANDROID_INFO_SUPPORTED_HARDWARE_LEVEL_FULL)});
-    if (halBufferManager) {
+    if (options.halBufferManager) {
         info.set(ANDROID_INFO_SUPPORTED_BUFFER_MANAGEMENT_VERSION,
                  {u8(ANDROID_INFO_SUPPORTED_BUFFER_MANAGEMENT_VERSION_HIDL_DEVICE_3_5)});
     }
@@ -286,8 +287,9 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
              {int32_t{0}, int32_t{0}, int32_t{160}, int32_t{120}});
     info.set(ANDROID_JPEG_MAX_SIZE, {kJpegMaxSize});
     info.set(ANDROID_LENS_FACING,
-             {u8(mDescription.facing == CAMERA_FACING_FRONT ? ANDROID_LENS_FACING_FRONT
-                                                            : ANDROID_LENS_FACING_BACK)});
+             {u8(mDescription.facing == CAMERA_FACING_FRONT      ? ANDROID_LENS_FACING_FRONT
+                 : mDescription.facing == CAMERA_FACING_EXTERNAL ? ANDROID_LENS_FACING_EXTERNAL
+                                                                 : ANDROID_LENS_FACING_BACK)});
     info.set(ANDROID_LENS_INFO_AVAILABLE_APERTURES, {kAperture});
     info.set(ANDROID_LENS_INFO_AVAILABLE_FILTER_DENSITIES, {0.0f});
     info.set(ANDROID_LENS_INFO_AVAILABLE_FOCAL_LENGTHS, mDescription.focalLengths);
@@ -313,7 +315,7 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
     info.set(ANDROID_REQUEST_MAX_NUM_INPUT_STREAMS, {int32_t{0}});
     info.set(ANDROID_REQUEST_MAX_NUM_OUTPUT_STREAMS,
              {int32_t{0}, kMaxProcessedStreams, kMaxStallingStreams});
-    info.set(ANDROID_REQUEST_PARTIAL_RESULT_COUNT, {kPartialResultCount});
+    info.set(ANDROID_REQUEST_PARTIAL_RESULT_COUNT, {int32_t{options.partialResults}});
     info.set(ANDROID_REQUEST_PIPELINE_MAX_DEPTH, {kPipelineMaxDepth});
 
     // Request keys are those of the templates; results echo them and add their own.
@@ -350,7 +352,10 @@ void CameraCharacteristics::buildStatic(bool halBufferManager) {
     info.set(ANDROID_SENSOR_INFO_WHITE_LEVEL, {int32_t{1023}});
     info.set(ANDROID_SENSOR_MAX_ANALOG_SENSITIVITY, {int32_t{800}});
     info.set(ANDROID_SENSOR_ORIENTATION, {int32_t{mDescription.orientation}});
-    info.set(ANDROID_SENSOR_READOUT_TIMESTAMP, {u8(ANDROID_SENSOR_READOUT_TIMESTAMP_HARDWARE)});
+    // A module built against the standard camera3.h lists no readout timestamps at all.
+    if (options.readoutTimestamp) {
+        info.set(ANDROID_SENSOR_READOUT_TIMESTAMP, {u8(ANDROID_SENSOR_READOUT_TIMESTAMP_HARDWARE)});
+    }
     info.set(ANDROID_STATISTICS_INFO_AVAILABLE_FACE_DETECT_MODES,
              {u8(ANDROID_STATISTICS_FACE_DETECT_MODE_OFF)});
     info.set(ANDROID_STATISTICS_INFO_MAX_FACE_COUNT, {int32_t{0}});

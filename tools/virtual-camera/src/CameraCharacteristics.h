@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "Metadata.h"
+#include "Options.h"
 
 namespace virtual_camera {
 
@@ -36,7 +37,6 @@ struct StreamDescription {
     std::string physicalCameraId;
 };
 
-constexpr int32_t kPartialResultCount = 2;
 constexpr uint8_t kPipelineMaxDepth = 8;
 constexpr uint32_t kMaxBuffers = 8;
 constexpr int64_t kDefaultFrameDuration = 33333333;
@@ -67,7 +67,7 @@ inline constexpr uint32_t kSessionKeys[] = {ANDROID_CONTROL_AE_TARGET_FPS_RANGE,
 
 class CameraCharacteristics {
 public:
-    CameraCharacteristics(CameraDescription description, bool halBufferManager);
+    CameraCharacteristics(CameraDescription description, const Options& options);
 
     const CameraDescription& description() const { return mDescription; }
     bool isLogical() const { return !mDescription.physicalIds.empty(); }
@@ -84,7 +84,7 @@ public:
     int64_t minFrameDuration(int format, uint32_t width, uint32_t height) const;
 
 private:
-    void buildStatic(bool halBufferManager);
+    void buildStatic(const Options& options);
     MetadataPtr buildTemplate(int requestTemplate) const;
 
     CameraDescription mDescription;

@@ -115,6 +115,11 @@ VIRTUAL_CAMERA_EXPORT int tarnic_camera_turn_on_torch_with_strength_level(const 
     return module().turnOnTorchWithStrengthLevel(camera_id, level);
 }
 
+// Whether shutter messages carry the readout timestamp after `timestamp`.
+VIRTUAL_CAMERA_EXPORT int tarnic_camera_has_readout_timestamp(int camera_id) {
+    return module().hasReadoutTimestamp(camera_id);
+}
+
 }  // extern "C"
 
 // The exports must keep the signatures the loader looks them up with.

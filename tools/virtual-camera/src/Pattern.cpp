@@ -25,9 +25,23 @@ uint32_t headerCheck(const PatternHeader& header) {
     return fnv1a(kFnvOffset, &copy, sizeof(copy));
 }
 
+// A BLOB buffer is shaped like a JPEG: start of image and a comment segment that holds the
+// header, the end of image right before the camera3_jpeg_blob trailer.
+constexpr uint8_t kJpegPrefix[] = {0xFF, 0xD8, 0xFF, 0xFE, 0, sizeof(PatternHeader) + 4, 0, 0};
+constexpr uint8_t kJpegEnd[] = {0xFF, 0xD9};
+static_assert(sizeof(PatternHeader) + 4 < 256);
+
+bool isBlob(const PatternStream& stream) {
+    return stream.format == HAL_PIXEL_FORMAT_BLOB;
+}
+
+size_t headerOffset(const PatternStream& stream) {
+    return isBlob(stream) ? sizeof(kJpegPrefix) : 0;
+}
+
 // Bytes at the end of the buffer that stamps must leave alone.
 size_t trailerSize(const PatternStream& stream) {
-    return stream.format == HAL_PIXEL_FORMAT_BLOB ? sizeof(camera3_jpeg_blob_t) : 0;
+    return isBlob(stream) ? sizeof(camera3_jpeg_blob_t) + sizeof(kJpegEnd) : 0;
 }
 
 // Pages after the header page whose stamp fits before the trailer.
@@ -53,7 +67,7 @@ PatternHeader makeHeader(size_t size, uint32_t frameNumber, const PatternStream&
 }
 
 bool fits(size_t size, const PatternStream& stream) {
-    return size >= sizeof(PatternHeader) + trailerSize(stream);
+    return size >= headerOffset(stream) + sizeof(PatternHeader) + trailerSize(stream);
 }
 
 }  // namespace
@@ -70,15 +84,17 @@ bool writePattern(void* data, size_t size, uint32_t frameNumber, const PatternSt
     if (!fits(size, stream)) return false;
     auto* bytes = static_cast<uint8_t*>(data);
     PatternHeader header = makeHeader(size, frameNumber, stream);
-    memcpy(bytes, &header, sizeof(header));
+    if (isBlob(stream)) memcpy(bytes, kJpegPrefix, sizeof(kJpegPrefix));
+    memcpy(bytes + headerOffset(stream), &header, sizeof(header));
     for (uint32_t page = 1; page <= header.pageCount; ++page) {
         PageStamp stamp{kPageStampMagic, frameNumber, header.streamTag, page};
         memcpy(bytes + page * kPatternPageSize, &stamp, sizeof(stamp));
     }
-    if (stream.format == HAL_PIXEL_FORMAT_BLOB) {
+    if (isBlob(stream)) {
         camera3_jpeg_blob_t blob{};
         blob.jpeg_blob_id = CAMERA3_JPEG_BLOB_ID;
         blob.jpeg_size = static_cast<uint32_t>(size - sizeof(blob));
+        memcpy(bytes + blob.jpeg_size - sizeof(kJpegEnd), kJpegEnd, sizeof(kJpegEnd));
         memcpy(bytes + size - sizeof(blob), &blob, sizeof(blob));
     }
     return true;
@@ -89,7 +105,7 @@ PatternCheck checkPattern(const void* data, size_t size, uint32_t frameNumber,
     if (!fits(size, stream)) return {PatternStatus::kTooSmall, 0, 0};
     const auto* bytes = static_cast<const uint8_t*>(data);
     PatternHeader found;
-    memcpy(&found, bytes, sizeof(found));
+    memcpy(&found, bytes + headerOffset(stream), sizeof(found));
     if (found.magic != kPatternHeaderMagic) return {PatternStatus::kUntouched, 0, 0};
     if (found.check != headerCheck(found)) return {PatternStatus::kDamaged, found.frameNumber, 0};
 
@@ -110,7 +126,7 @@ PatternCheck checkPattern(const void* data, size_t size, uint32_t frameNumber,
             return {PatternStatus::kDamaged, found.frameNumber, offset};
         }
     }
-    if (stream.format == HAL_PIXEL_FORMAT_BLOB) {
+    if (isBlob(stream)) {
         size_t offset = size - sizeof(camera3_jpeg_blob_t);
         camera3_jpeg_blob_t blob;
         memcpy(&blob, bytes + offset, sizeof(blob));

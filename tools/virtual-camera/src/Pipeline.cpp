@@ -23,6 +23,9 @@ namespace {
 // An acquire fence that does not signal within this time costs the buffer, not the device.
 constexpr int kAcquireFenceTimeoutMs = 1000;
 constexpr uint8_t kPipelineDepth = 2;
+// What lies behind a standard shutter message when the module has no readout timestamp: not a
+// time the frame could have been read out at.
+constexpr uint64_t kGarbageReadout = 0x0BADF00D;
 
 constexpr uint8_t u8(int value) {
     return static_cast<uint8_t>(value);
@@ -184,11 +187,17 @@ void Pipeline::processFrame(CaptureRequest& request) {
     Clock::time_point now = Clock::now();
     Clock::time_point start = mNextStart.value_or(now);
     if (start + period < now) start = now;
-    if (!waitForStart(start)) {
-        failRequest(request);
-        return;
+    if (mOptions.unpaced) {
+        // No sensor behind it: the frame starts now, only the timestamps stay apart.
+        start = std::max(now, mNextStart.value_or(now));
+        mNextStart = start + std::chrono::nanoseconds(1);
+    } else {
+        if (!waitForStart(start)) {
+            failRequest(request);
+            return;
+        }
+        mNextStart = start + period;
     }
-    mNextStart = start + period;
 
     const int64_t timestamp =
             std::chrono::duration_cast<std::chrono::nanoseconds>(start.time_since_epoch()).count();
@@ -197,19 +206,23 @@ void Pipeline::processFrame(CaptureRequest& request) {
             kMinExposureTime, duration);
     notifyShutter(frameNumber, timestamp, timestamp + exposure);
 
+    MetadataBuilder final(settings);
     MetadataBuilder early;
+    // With one partial result the early keys travel in the final one.
+    MetadataBuilder& earlyResult = mOptions.partialResults > 1 ? early : final;
     bool aeOff = findByte(settings, ANDROID_CONTROL_AE_MODE) == ANDROID_CONTROL_AE_MODE_OFF;
     bool awbOff = findByte(settings, ANDROID_CONTROL_AWB_MODE) == ANDROID_CONTROL_AWB_MODE_OFF;
     uint8_t afMode = findByte(settings, ANDROID_CONTROL_AF_MODE).value_or(0);
     bool afContinuous = afMode == ANDROID_CONTROL_AF_MODE_CONTINUOUS_PICTURE ||
                         afMode == ANDROID_CONTROL_AF_MODE_CONTINUOUS_VIDEO;
-    early.set(ANDROID_CONTROL_AE_STATE,
-              {u8(aeOff ? ANDROID_CONTROL_AE_STATE_INACTIVE : ANDROID_CONTROL_AE_STATE_CONVERGED)});
-    early.set(ANDROID_CONTROL_AF_STATE, {u8(afContinuous ? ANDROID_CONTROL_AF_STATE_PASSIVE_FOCUSED
-                                                         : ANDROID_CONTROL_AF_STATE_INACTIVE)});
-    early.set(ANDROID_CONTROL_AWB_STATE, {u8(awbOff ? ANDROID_CONTROL_AWB_STATE_INACTIVE
-                                                    : ANDROID_CONTROL_AWB_STATE_CONVERGED)});
-    sendResult(frameNumber, early.build().get(), 1, {}, {}, {});
+    earlyResult.set(ANDROID_CONTROL_AE_STATE, {u8(aeOff ? ANDROID_CONTROL_AE_STATE_INACTIVE
+                                                        : ANDROID_CONTROL_AE_STATE_CONVERGED)});
+    earlyResult.set(ANDROID_CONTROL_AF_STATE,
+                    {u8(afContinuous ? ANDROID_CONTROL_AF_STATE_PASSIVE_FOCUSED
+                                     : ANDROID_CONTROL_AF_STATE_INACTIVE)});
+    earlyResult.set(ANDROID_CONTROL_AWB_STATE, {u8(awbOff ? ANDROID_CONTROL_AWB_STATE_INACTIVE
+                                                          : ANDROID_CONTROL_AWB_STATE_CONVERGED)});
+    if (mOptions.partialResults > 1) sendResult(frameNumber, early.build().get(), 1, {}, {}, {});
 
     // A flush that arrives now costs this frame its buffers but not its metadata.
     const bool flushing = flushPending();
@@ -245,7 +258,6 @@ void Pipeline::processFrame(CaptureRequest& request) {
         return;
     }
 
-    MetadataBuilder final(settings);
     final.set(ANDROID_REQUEST_PIPELINE_DEPTH, {kPipelineDepth});
     final.set(ANDROID_SENSOR_EXPOSURE_TIME, {exposure});
     final.set(ANDROID_SENSOR_FRAME_DURATION, {duration});
@@ -282,8 +294,8 @@ void Pipeline::processFrame(CaptureRequest& request) {
         physical.set(ANDROID_SENSOR_TIMESTAMP, {timestamp});
         physicalMetadata.push_back(physical.build());
     }
-    sendResult(frameNumber, final.build().get(), kPartialResultCount, records,
-               request.physicalCameras, physicalMetadata);
+    sendResult(frameNumber, final.build().get(), static_cast<uint32_t>(mOptions.partialResults),
+               records, request.physicalCameras, physicalMetadata);
     if (mOptions.verbose) {
         ALOGV("camera %s: frame %u done, timestamp %lld, %zu buffers", mCameraId.c_str(),
               frameNumber, static_cast<long long>(timestamp), records.size());
@@ -334,7 +346,8 @@ void Pipeline::notifyShutter(uint32_t frameNumber, int64_t timestamp, int64_t re
     message.type = CAMERA3_MSG_SHUTTER;
     message.message.shutter.frame_number = frameNumber;
     message.message.shutter.timestamp = static_cast<uint64_t>(timestamp);
-    message.message.shutter.readout_timestamp = static_cast<uint64_t>(readoutTimestamp);
+    message.message.shutter.readout_timestamp =
+            mOptions.readoutTimestamp ? static_cast<uint64_t>(readoutTimestamp) : kGarbageReadout;
     mCallbacks->notify(mCallbacks, &message);
 }
 

@@ -48,6 +48,13 @@ camera3_device_ops_t VirtualCameraDevice::sOps = {
         .reserved = {},
 };
 
+camera3_device_ops_t VirtualCameraDevice::sLegacyOps = [] {
+    camera3_device_ops_t ops = sOps;
+    ops.signal_stream_flush = nullptr;
+    ops.is_reconfiguration_required = nullptr;
+    return ops;
+}();
+
 VirtualCameraDevice::VirtualCameraDevice(const CameraCharacteristics& characteristics,
                                          hw_module_t* module, OpenListener listener)
     : mCharacteristics(characteristics), mListener(std::move(listener)) {
@@ -77,6 +84,9 @@ int VirtualCameraDevice::open(const Options& options, hw_device_t** device) {
         if (mOpen) return -EBUSY;
         mOpen = true;
         mOptions = options;
+        mDevice.common.version = options.legacyDevice ? CAMERA_DEVICE_API_VERSION_3_3
+                                                      : CAMERA_DEVICE_API_VERSION_3_6;
+        mDevice.ops = options.legacyDevice ? &sLegacyOps : &sOps;
     }
     mStreams.clear();
     mLastSettings.reset();

@@ -61,6 +61,8 @@ private:
     std::shared_ptr<Pipeline> pipeline();
 
     static camera3_device_ops_t sOps;
+    // A 3.3 device's table: no signal_stream_flush or is_reconfiguration_required.
+    static camera3_device_ops_t sLegacyOps;
 
     camera3_device_t mDevice{};
     const CameraCharacteristics& mCharacteristics;

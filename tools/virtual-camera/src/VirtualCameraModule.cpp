@@ -5,10 +5,13 @@
 #include <errno.h>
 #include <hardware/camera3.h>
 #include <log/log.h>
+#include <poll.h>
 #include <string.h>
+#include <sys/eventfd.h>
 #include <system/camera.h>
 
 #include <charconv>
+#include <thread>
 
 extern "C" camera_module_t HAL_MODULE_INFO_SYM;
 
@@ -44,6 +47,24 @@ std::vector<CameraDescription> physicalCameraDescriptions(const CameraDescriptio
             {logical.physicalIds[1], CAMERA_FACING_BACK, 90, false, true, {kTeleFocalLength}, {}}};
 }
 
+// Like a module that starts a worker on first use and keeps it (and its fd) for the life of the
+// process: a legacy module has no call that would end it.
+void startBackgroundThread() {
+    static std::once_flag started;
+    std::call_once(started, [] {
+        int fd = eventfd(0, EFD_CLOEXEC);
+        if (fd < 0) {
+            ALOGE("background thread: eventfd failed: %s", strerror(errno));
+            return;
+        }
+        std::thread([fd] {
+            pollfd entry{fd, POLLIN, 0};
+            while (true) poll(&entry, 1, -1);
+        }).detach();
+        ALOGI("background thread started");
+    });
+}
+
 // Strict decimal camera id, -1 when it is not one.
 int parseCameraId(const char* text) {
     if (text == nullptr) return -1;
@@ -75,24 +96,41 @@ void VirtualCameraModule::loadLocked() {
         }
         for (Camera& camera : mCameras) mRetired.push_back(std::move(camera));
         for (Camera& camera : mPhysicalCameras) mRetired.push_back(std::move(camera));
+        for (Camera& camera : mExternalCameras) mRetired.push_back(std::move(camera));
         mCameras.clear();
         mPhysicalCameras.clear();
+        mExternalCameras.clear();
     }
     mOptions = optionsFromEnvironment();
     std::vector<CameraDescription> descriptions = publicCameraDescriptions(mOptions.cameras);
     for (const CameraDescription& description : physicalCameraDescriptions(descriptions.front())) {
+        Options physicalOptions = mOptions;
+        physicalOptions.halBufferManager = false;
         mPhysicalCameras.push_back(
-                {std::make_unique<CameraCharacteristics>(description, false), nullptr});
+                {std::make_unique<CameraCharacteristics>(description, physicalOptions), nullptr});
     }
-    for (CameraDescription& description : descriptions) {
+    auto makeCamera = [this](CameraDescription description) {
         Camera camera;
-        camera.characteristics = std::make_unique<CameraCharacteristics>(std::move(description),
-                                                                         mOptions.halBufferManager);
+        camera.characteristics =
+                std::make_unique<CameraCharacteristics>(std::move(description), mOptions);
         camera.device = std::make_unique<VirtualCameraDevice>(
                 *camera.characteristics, &HAL_MODULE_INFO_SYM.common,
                 [this](const std::string& id, bool open) { deviceOpenChanged(id, open); });
-        mCameras.push_back(std::move(camera));
+        return camera;
+    };
+    for (CameraDescription& description : descriptions) {
+        mCameras.push_back(makeCamera(std::move(description)));
     }
+    if (mOptions.externalCamera) {
+        mExternalCameras.push_back(makeCamera({std::to_string(*mOptions.externalCamera),
+                                               CAMERA_FACING_EXTERNAL,
+                                               0,
+                                               false,
+                                               false,
+                                               {kFrontFocalLength},
+                                               {}}));
+    }
+    if (mOptions.backgroundThread) startBackgroundThread();
     mLoaded = true;
     ALOGI("%d cameras, HAL buffer manager %s", mOptions.cameras,
           mOptions.halBufferManager ? "on" : "off");
@@ -100,8 +138,11 @@ void VirtualCameraModule::loadLocked() {
 
 VirtualCameraModule::Camera* VirtualCameraModule::publicCameraLocked(int cameraId) {
     ensureLoadedLocked();
-    if (cameraId < 0 || cameraId >= static_cast<int>(mCameras.size())) return nullptr;
-    return &mCameras[cameraId];
+    if (cameraId >= 0 && cameraId < static_cast<int>(mCameras.size())) return &mCameras[cameraId];
+    for (Camera& camera : mExternalCameras) {
+        if (cameraId == *mOptions.externalCamera) return &camera;
+    }
+    return nullptr;
 }
 
 VirtualCameraModule::Camera* VirtualCameraModule::publicCameraLocked(const char* cameraId) {
@@ -130,7 +171,8 @@ int VirtualCameraModule::getCameraInfo(int cameraId, camera_info* info) {
     const CameraDescription& description = camera->characteristics->description();
     info->facing = description.facing;
     info->orientation = description.orientation;
-    info->device_version = CAMERA_DEVICE_API_VERSION_3_6;
+    info->device_version =
+            mOptions.legacyDevice ? CAMERA_DEVICE_API_VERSION_3_3 : CAMERA_DEVICE_API_VERSION_3_6;
     info->static_camera_characteristics = camera->characteristics->staticMetadata();
     info->resource_cost = kResourceCost;
     info->conflicting_devices = nullptr;
@@ -139,9 +181,29 @@ int VirtualCameraModule::getCameraInfo(int cameraId, camera_info* info) {
 }
 
 int VirtualCameraModule::setCallbacks(const camera_module_callbacks_t* callbacks) {
-    std::lock_guard<std::mutex> guard(mLock);
-    mCallbacks = callbacks;
+    {
+        std::lock_guard<std::mutex> guard(mLock);
+        mCallbacks = callbacks;
+    }
+    announceExternalCamera();
     return 0;
+}
+
+void VirtualCameraModule::announceExternalCamera() {
+    const camera_module_callbacks_t* callbacks;
+    std::string id;
+    {
+        std::lock_guard<std::mutex> guard(mLock);
+        ensureLoadedLocked();
+        if (mExternalCameras.empty()) return;
+        callbacks = mCallbacks;
+        id = mExternalCameras.front().characteristics->description().id;
+    }
+    if (callbacks != nullptr && callbacks->camera_device_status_change != nullptr) {
+        ALOGI("external camera %s present", id.c_str());
+        callbacks->camera_device_status_change(callbacks, std::stoi(id),
+                                               CAMERA_DEVICE_STATUS_PRESENT);
+    }
 }
 
 int VirtualCameraModule::open(const char* cameraId, hw_device_t** device) {
@@ -156,6 +218,20 @@ int VirtualCameraModule::open(const char* cameraId, hw_device_t** device) {
         }
         cameraDevice = camera->device.get();
         options = mOptions;
+        if (options.openLimit > 0 && !cameraDevice->isOpen()) {
+            int openCount = 0;
+            for (auto* cameras : {&mCameras, &mExternalCameras}) {
+                for (const Camera& other : *cameras) openCount += other.device->isOpen() ? 1 : 0;
+            }
+            if (openCount >= options.openLimit) {
+                ALOGE("open of camera %s refused: %d of %d cameras open", cameraId, openCount,
+                      options.openLimit);
+                return -EUSERS;
+            }
+        } else if (options.openLimit > 0) {
+            ALOGE("open of camera %s refused: already open", cameraId);
+            return -EUSERS;
+        }
     }
     int status = cameraDevice->open(options, device);
     if (status != 0) ALOGE("open of camera %s failed: %s", cameraId, strerror(-status));
@@ -207,6 +283,11 @@ int VirtualCameraModule::getTorchStrengthLevel(const char* cameraId, int32_t* le
     if (!camera->characteristics->description().flash) return -ENOSYS;
     *level = camera->torchLevel;
     return 0;
+}
+
+int VirtualCameraModule::hasReadoutTimestamp(int cameraId) {
+    std::lock_guard<std::mutex> guard(mLock);
+    return publicCameraLocked(cameraId) != nullptr && mOptions.readoutTimestamp ? 1 : 0;
 }
 
 void VirtualCameraModule::torchStatusChanged(const std::string& cameraId, int status) {

@@ -1,7 +1,8 @@
 /*
  * The state behind HAL_MODULE_INFO_SYM and the exported extension entry points: the options, the
- * cameras (public ones numbered 0..N-1, physical ones N and N+1 behind camera 0), their devices,
- * torch state and the framework's module callbacks. One instance per loaded module.
+ * cameras (public ones numbered 0..N-1, physical ones N and N+1 behind camera 0, and an optional
+ * external one announced through the module callbacks), their devices, torch state and the
+ * framework's module callbacks. One instance per loaded module.
  *
  * Every entry may come from any thread. mLock guards all members; module callbacks are called
  * after it is released. Characteristics and device records handed out stay valid while the module
@@ -43,6 +44,7 @@ public:
     int getSessionCharacteristics(int cameraId, const camera_stream_combination_t* streams,
                                   const camera_metadata_t** characteristics);
     int getTorchStrengthLevel(const char* cameraId, int32_t* level);
+    int hasReadoutTimestamp(int cameraId);
     int turnOnTorchWithStrengthLevel(const char* cameraId, int32_t level);
 
 private:
@@ -57,6 +59,7 @@ private:
     // Builds the cameras from the environment on first use, and again on init().
     void loadLocked();
     void ensureLoadedLocked();
+    // Public or external camera.
     Camera* publicCameraLocked(int cameraId);
     Camera* publicCameraLocked(const char* cameraId);
     // Checks shared by the torch entries; 0 when the torch of `camera` may change.
@@ -64,12 +67,14 @@ private:
     void torchStatusChanged(const std::string& cameraId, int status);
     void deviceOpenChanged(const std::string& cameraId, bool open);
     int checkCombinationLocked(int cameraId, const camera_stream_combination_t* streams);
+    void announceExternalCamera();
 
     std::mutex mLock;
     bool mLoaded = false;
     Options mOptions;
     std::vector<Camera> mCameras;
     std::vector<Camera> mPhysicalCameras;
+    std::vector<Camera> mExternalCameras;  // none or one
     std::vector<Camera> mRetired;
     const camera_module_callbacks_t* mCallbacks = nullptr;
 };

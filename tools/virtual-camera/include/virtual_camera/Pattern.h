@@ -4,12 +4,13 @@
  * memory; safe from any thread.
  *
  * Layout, all fields little-endian:
- *  - offset 0: a PatternHeader (magic "VCAM", frame number, stream tag, the stream's size, format
- *    and physical camera id, the number of pages stamped, a check word over all of it);
+ *  - offset 0 (8 for BLOB): a PatternHeader (magic "VCAM", frame number, stream tag, the stream's
+ * size, format and physical camera id, the number of pages stamped, a check word over all of it);
  *  - at the start of every further 4096-byte page that fits a whole stamp: a PageStamp (magic
  *    "VCPG", frame number, stream tag, page index);
- *  - BLOB streams only: a camera3_jpeg_blob trailer in the last 8 bytes (id 0x00FF, size = buffer
- *    size - 8), and no stamp overlaps it.
+ *  - BLOB streams only, shaped like a JPEG: start of image (FF D8) and a comment segment
+ *    (FF FE) before the header, end of image (FF D9) right before a camera3_jpeg_blob trailer in
+ *    the last 8 bytes (id 0x00FF, size = buffer size - 8); no stamp overlaps them.
  * Everything else is left as it was, so writing costs one small store per page.
  */
 #pragma once
