@@ -41,6 +41,8 @@ CameraInfo CameraInfo::fromCharacteristics(const camera_metadata_t* characterist
     info.halBufferManager =
             findByte(characteristics, ANDROID_INFO_SUPPORTED_BUFFER_MANAGEMENT_VERSION) ==
             ANDROID_INFO_SUPPORTED_BUFFER_MANAGEMENT_VERSION_HIDL_DEVICE_3_5;
+    info.readoutTimestamps = findByte(characteristics, ANDROID_SENSOR_READOUT_TIMESTAMP) !=
+                             ANDROID_SENSOR_READOUT_TIMESTAMP_NOT_SUPPORTED;
 
     std::vector<uint8_t> ids = findBytes(characteristics, ANDROID_LOGICAL_MULTI_CAMERA_PHYSICAL_IDS);
     std::string id;
@@ -85,6 +87,16 @@ const OutputConfiguration* CameraInfo::findOutput(const StreamDescription& strea
         }
     }
     return nullptr;
+}
+
+int64_t CameraInfo::minFrameDurationNs(const std::vector<StreamDescription>& streams) const {
+    int64_t longest = 0;
+    for (const auto& stream : streams) {
+        if (const OutputConfiguration* output = findOutput(stream)) {
+            longest = std::max(longest, output->minFrameDurationNs);
+        }
+    }
+    return longest;
 }
 
 std::vector<StreamDescription> CameraInfo::defaultStreams(int32_t fps) const {

@@ -29,6 +29,8 @@ struct CameraInfo {
     int32_t partialResultCount = 1;
     size_t jpegMaxSize = 0;
     bool halBufferManager = false;
+    // The framework trusts shutter readout timestamps unless the camera says they are missing.
+    bool readoutTimestamps = true;
     std::vector<std::string> physicalCameraIds;
     std::vector<OutputConfiguration> outputs;
     std::vector<std::pair<int32_t, int32_t>> fpsRanges;
@@ -36,6 +38,8 @@ struct CameraInfo {
     static CameraInfo fromCharacteristics(const camera_metadata_t* characteristics);
 
     const OutputConfiguration* findOutput(const StreamDescription& stream) const;
+    // The longest minimum frame duration of the streams: frames of them come no closer.
+    int64_t minFrameDurationNs(const std::vector<StreamDescription>& streams) const;
 
     // A preview YUV stream of at most 640x480, an IMPLEMENTATION_DEFINED stream of at most
     // 320x240 (on the first physical camera of a logical camera), and the smallest BLOB stream,

@@ -17,6 +17,9 @@ std::atomic<int64_t> sCallsNs{0};
 std::atomic<int64_t> sSectionsNs{0};
 std::atomic<int64_t> sCallbacksNs{0};
 std::atomic<int64_t> sSections{0};
+std::atomic<int64_t> sModuleNs{0};
+std::atomic<CpuMeter::ModuleClock> sModuleClock{nullptr};
+std::atomic<int64_t> sMeterCostNs{0};
 
 enum class Bracket { kCall, kSection };
 
@@ -27,6 +30,7 @@ struct ThreadState {
     int64_t startNs = 0;
     int64_t harnessNsAtStart = 0;
     int64_t harnessNs = 0;  // the harness's callback CPU on this thread so far
+    uint64_t moduleNsAtStart = 0;
 };
 thread_local ThreadState tThread;
 
@@ -36,18 +40,40 @@ int64_t threadCpuNs() {
     return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
 }
 
+uint64_t moduleNs() {
+    CpuMeter::ModuleClock clock = sModuleClock.load(std::memory_order_relaxed);
+    return clock != nullptr ? clock() : 0;
+}
+
+// What a bracket costs: its clock reads, measured on an empty one.
+int64_t measureBracketCost() {
+    constexpr int kRounds = 10000;
+    int64_t start = threadCpuNs();
+    for (int i = 0; i < kRounds; ++i) {
+        threadCpuNs();
+        moduleNs();
+        moduleNs();
+        threadCpuNs();
+    }
+    return (threadCpuNs() - start) / kRounds;
+}
+
 void openBracket(Bracket kind) {
     ThreadState& thread = tThread;
     if (thread.depth++ != 0) return;
     thread.outermost = kind;
     thread.harnessNsAtStart = thread.harnessNs;
+    thread.moduleNsAtStart = moduleNs();
     thread.startNs = threadCpuNs();
 }
 
 void closeBracket() {
     ThreadState& thread = tThread;
     if (thread.depth == 0 || --thread.depth != 0) return;
-    int64_t spent = threadCpuNs() - thread.startNs - (thread.harnessNs - thread.harnessNsAtStart);
+    const int64_t end = threadCpuNs();
+    const auto inModule = static_cast<int64_t>(moduleNs() - thread.moduleNsAtStart);
+    int64_t spent = end - thread.startNs - (thread.harnessNs - thread.harnessNsAtStart) - inModule;
+    sModuleNs += inModule;
     if (thread.outermost == Bracket::kCall) {
         sCallsNs += spent;
     } else {
@@ -59,6 +85,7 @@ void closeBracket() {
 }  // namespace
 
 CpuMeter::CpuMeter(TraceFile* trace) {
+    sMeterCostNs = measureBracketCost();
     android::testing::setTraceEnabledTags(ATRACE_TAG_CAMERA);
     android::testing::setTraceRecorder([trace](const TraceEvent& event) {
         if (event.kind == TraceEventKind::Begin) openBracket(Bracket::kSection);
@@ -72,7 +99,13 @@ CpuMeter::~CpuMeter() {
 }
 
 CpuMeter::Totals CpuMeter::totals() {
-    return Totals{sCallsNs.load(), sSectionsNs.load(), sCallbacksNs.load(), sSections.load()};
+    return Totals{sCallsNs.load(),    sSectionsNs.load(), sCallbacksNs.load(),
+                  sSections.load(),   sModuleNs.load(),   sModuleClock.load() != nullptr,
+                  sMeterCostNs.load()};
+}
+
+void CpuMeter::setModuleClock(ModuleClock clock) {
+    sModuleClock = clock;
 }
 
 CpuMeter::AdapterCall::AdapterCall() {

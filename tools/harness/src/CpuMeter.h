@@ -8,7 +8,8 @@
  *    thread, and reads that thread's CPU clock when the outermost section begins and ends.
  *
  * From both, the CPU time of the harness's own callback code that ran inside (HarnessCallback)
- * is subtracted, so what is left is the adapter's (plus the recorder's small cost). Nested
+ * is subtracted, and so is the time the thread spent inside the legacy module when a module clock
+ * is set, so what is left is the adapter's (plus the meter's small cost, see meterCostNs). Nested
  * brackets on one thread count once, at the outermost. Paths without a trace section (the
  * buffer manager's requests and returns) are not measured.
  *
@@ -31,7 +32,15 @@ public:
         int64_t sectionsNs = 0;   // adapter CPU inside its trace sections on device threads
         int64_t callbacksNs = 0;  // the harness's own callback CPU
         int64_t sections = 0;
+        int64_t moduleNs = 0;         // inside the legacy module, within the brackets above
+        bool moduleMeasured = false;  // a module clock was set
+        int64_t meterCostNs = 0;      // CPU one bracket costs the meter itself
     };
+
+    // The calling thread's CPU time inside the legacy module, monotonic per thread.
+    using ModuleClock = uint64_t (*)();
+    // Null: the module's share stays in the adapter's figures.
+    static void setModuleClock(ModuleClock clock);
 
     // Turns the camera trace tag on and installs the recorder; events also go to `trace` when it
     // is not null.

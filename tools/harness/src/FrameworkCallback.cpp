@@ -55,7 +55,7 @@ ndk::ScopedAStatus FrameworkCallback::notify(const std::vector<NotifyMsg>& msgs)
     for (const auto& msg : msgs) {
         if (msg.getTag() == NotifyMsg::shutter) {
             const ShutterMsg& shutter = msg.get<NotifyMsg::shutter>();
-            mState->shutter(shutter.frameNumber, shutter.timestamp);
+            mState->shutter(shutter.frameNumber, shutter.timestamp, shutter.readoutTimestamp);
         } else {
             const ErrorMsg& error = msg.get<NotifyMsg::error>();
             mState->error(error.frameNumber, error.errorStreamId,

@@ -1,6 +1,10 @@
 #include "FrameworkState.h"
 
+#include <hardware/camera3.h>
+#include <system/graphics.h>
 #include <virtual_camera/Pattern.h>
+
+#include <cstring>
 
 namespace camera_harness {
 
@@ -11,7 +15,18 @@ FrameworkState::FrameworkState(int32_t partialResultCount, bool halBufferManager
       mChecker(partialResultCount, halBufferManager),
       mPool(layout) {}
 
-std::vector<CachedBuffer> FrameworkState::configure(const std::vector<ConfiguredStream>& streams) {
+void FrameworkState::setReadoutRule(ReadoutRule rule) {
+    std::lock_guard lock(mLock);
+    mChecker.setReadoutRule(rule);
+}
+
+void FrameworkState::recordFrames() {
+    std::lock_guard lock(mLock);
+    mChecker.recordFrames();
+}
+
+std::vector<CachedBuffer> FrameworkState::configure(const std::vector<ConfiguredStream>& streams,
+                                                    int64_t minFrameDurationNs) {
     std::lock_guard lock(mLock);
     mStreams = streams;
     std::vector<CheckedStream> checked;
@@ -20,7 +35,7 @@ std::vector<CachedBuffer> FrameworkState::configure(const std::vector<Configured
         checked.push_back({stream.streamId, stream.description.physicalCameraId});
         pooled.push_back({stream.streamId, stream.description.format, stream.bufferSize});
     }
-    mChecker.configureStreams(checked);
+    mChecker.configureStreams(checked, minFrameDurationNs);
     return mPool.configure(pooled);
 }
 
@@ -121,6 +136,12 @@ void FrameworkState::markClosed() {
     mClosed = true;
 }
 
+void FrameworkState::markOpen() {
+    std::lock_guard lock(mLock);
+    mClosed = false;
+    mChecker.newSession();
+}
+
 bool FrameworkState::callbackAfterClose(const char* callback) {
     std::lock_guard lock(mLock);
     if (!mClosed) return false;
@@ -129,9 +150,9 @@ bool FrameworkState::callbackAfterClose(const char* callback) {
     return true;
 }
 
-void FrameworkState::shutter(int32_t frameNumber, int64_t timestamp) {
+void FrameworkState::shutter(int32_t frameNumber, int64_t timestamp, int64_t readoutTimestamp) {
     std::lock_guard lock(mLock);
-    mChecker.shutter(frameNumber, timestamp, Clock::now());
+    mChecker.shutter(frameNumber, timestamp, Clock::now(), readoutTimestamp);
 }
 
 void FrameworkState::error(int32_t frameNumber, int32_t streamId, int32_t errorCode) {
@@ -142,12 +163,9 @@ void FrameworkState::error(int32_t frameNumber, int32_t streamId, int32_t errorC
 
 void FrameworkState::result(const ResultReport& report) {
     std::lock_guard lock(mLock);
-    ProtocolChecker::BufferInspector inspect;
-    if (mCheckPatterns) {
-        inspect = [this](int64_t bufferId, int32_t streamId, int32_t frameNumber) {
-            return inspectBuffer(bufferId, streamId, frameNumber);
-        };
-    }
+    auto inspect = [this](int64_t bufferId, int32_t streamId, int32_t frameNumber) {
+        return inspectBuffer(bufferId, streamId, frameNumber);
+    };
     releaseLocked(mChecker.result(report, inspect, Clock::now()));
     mChanged.notify_all();
 }
@@ -213,6 +231,11 @@ StateSnapshot FrameworkState::snapshot() const {
                          mChecker.inFlight()};
 }
 
+std::vector<FrameRecord> FrameworkState::frameRecords() const {
+    std::lock_guard lock(mLock);
+    return mChecker.frameRecords();
+}
+
 std::vector<Violation> FrameworkState::violations() const {
     std::lock_guard lock(mLock);
     return mChecker.violations();
@@ -240,11 +263,45 @@ const ConfiguredStream* FrameworkState::findStream(int32_t streamId) const {
     return nullptr;
 }
 
-std::optional<std::string> FrameworkState::inspectBuffer(int64_t bufferId, int32_t streamId,
-                                                         int32_t frameNumber) const {
+namespace {
+
+// What is wrong with a BLOB buffer as a JPEG: start and end of image, and the trailer's id and
+// size. Nullopt when it is right.
+std::optional<std::string> checkJpeg(const uint8_t* data, size_t size) {
+    camera3_jpeg_blob_t blob;
+    if (size < sizeof(blob) + 4) return "too small for a JPEG";
+    memcpy(&blob, data + size - sizeof(blob), sizeof(blob));
+    if (blob.jpeg_blob_id != CAMERA3_JPEG_BLOB_ID) {
+        return "trailer id " + std::to_string(blob.jpeg_blob_id) + ", not CAMERA3_JPEG_BLOB_ID";
+    }
+    if (blob.jpeg_size < 4 || blob.jpeg_size > size - sizeof(blob)) {
+        return "trailer size " + std::to_string(blob.jpeg_size) + " outside a buffer of " +
+               std::to_string(size) + " bytes";
+    }
+    if (data[0] != 0xFF || data[1] != 0xD8) return "no start of image";
+    if (data[blob.jpeg_size - 2] != 0xFF || data[blob.jpeg_size - 1] != 0xD9) {
+        return "no end of image at " + std::to_string(blob.jpeg_size - 2);
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::pair<Rule, std::string>> FrameworkState::inspectBuffer(
+        int64_t bufferId, int32_t streamId, int32_t frameNumber) const {
+    const std::string name = "buffer " + std::to_string(bufferId);
     const ConfiguredStream* stream = findStream(streamId);
     auto contents = mPool.contents(bufferId);
-    if (stream == nullptr || !contents) return "buffer " + std::to_string(bufferId) + " unmapped";
+    if (stream == nullptr || !contents) {
+        return std::make_pair(Rule::kBufferPattern, name + " unmapped");
+    }
+    const auto* bytes = static_cast<const uint8_t*>(contents->data);
+    if (stream->description.format == HAL_PIXEL_FORMAT_BLOB) {
+        if (auto problem = checkJpeg(bytes, contents->size)) {
+            return std::make_pair(Rule::kJpegBlob, name + ": " + *problem);
+        }
+    }
+    if (!mCheckPatterns) return std::nullopt;
     virtual_camera::PatternStream pattern{static_cast<uint32_t>(stream->description.width),
                                           static_cast<uint32_t>(stream->description.height),
                                           stream->description.format,
@@ -255,14 +312,14 @@ std::optional<std::string> FrameworkState::inspectBuffer(int64_t bufferId, int32
         case virtual_camera::PatternStatus::kOk:
             return std::nullopt;
         case virtual_camera::PatternStatus::kWrongFrame:
-            return "buffer " + std::to_string(bufferId) + " holds frame " +
-                   std::to_string(check.foundFrameNumber);
+            return std::make_pair(Rule::kBufferPattern,
+                                  name + " holds frame " + std::to_string(check.foundFrameNumber));
         case virtual_camera::PatternStatus::kDamaged:
-            return "buffer " + std::to_string(bufferId) + " damaged at offset " +
-                   std::to_string(check.offset);
+            return std::make_pair(Rule::kBufferPattern,
+                                  name + " damaged at offset " + std::to_string(check.offset));
         default:
-            return "buffer " + std::to_string(bufferId) + " " +
-                   virtual_camera::toString(check.status);
+            return std::make_pair(Rule::kBufferPattern,
+                                  name + " " + virtual_camera::toString(check.status));
     }
 }
 

@@ -58,9 +58,14 @@ public:
                    bool checkPatterns);
 
     bool halBufferManager() const { return mHalBufferManager; }
+    void setReadoutRule(ReadoutRule rule);
+    // Keeps a record of every completed frame.
+    void recordFrames();
 
     // A new configuration (nothing in flight). Returns the buffers of streams that went away.
-    std::vector<CachedBuffer> configure(const std::vector<ConfiguredStream>& streams);
+    // Shutters are held `minFrameDurationNs` apart (0: not judged).
+    std::vector<CachedBuffer> configure(const std::vector<ConfiguredStream>& streams,
+                                        int64_t minFrameDurationNs = 0);
     std::vector<ConfiguredStream> streams() const;
     bool knowsStream(int32_t streamId) const;
 
@@ -90,9 +95,11 @@ public:
     void finish();
     // From now on every callback breaks no-callback-after-close.
     void markClosed();
+    // A new session on the device: callbacks are welcome again.
+    void markOpen();
 
     // Device callbacks, already unpacked by the framework callback.
-    void shutter(int32_t frameNumber, int64_t timestamp);
+    void shutter(int32_t frameNumber, int64_t timestamp, int64_t readoutTimestamp);
     void error(int32_t frameNumber, int32_t streamId, int32_t errorCode);
     void result(const ResultReport& report);
     // Buffers of a configured stream for the device's buffer manager.
@@ -111,11 +118,12 @@ public:
     LatencySeries shutterLatency() const;
     LatencySeries finalLatency() const;
     std::optional<std::pair<int64_t, int64_t>> shutterSpan() const;
+    std::vector<FrameRecord> frameRecords() const;
 
 private:
     const ConfiguredStream* findStream(int32_t streamId) const;
-    std::optional<std::string> inspectBuffer(int64_t bufferId, int32_t streamId,
-                                             int32_t frameNumber) const;
+    std::optional<std::pair<Rule, std::string>> inspectBuffer(int64_t bufferId, int32_t streamId,
+                                                              int32_t frameNumber) const;
     void releaseLocked(const std::vector<int64_t>& bufferIds);
     bool waitLocked(std::unique_lock<std::mutex>& lock, std::chrono::milliseconds stallTimeout,
                     const std::function<bool()>& ready);

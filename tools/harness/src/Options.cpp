@@ -3,6 +3,7 @@
 #include <system/graphics.h>
 
 #include <charconv>
+#include <climits>
 #include <functional>
 #include <map>
 
@@ -13,7 +14,7 @@ namespace {
 constexpr std::pair<Scenario, const char*> kScenarioNames[] = {
         {Scenario::kBasic, "basic"}, {Scenario::kBurst, "burst"},
         {Scenario::kFlush, "flush"}, {Scenario::kReconfigure, "reconfigure"},
-        {Scenario::kHbm, "hbm"},
+        {Scenario::kHbm, "hbm"},     {Scenario::kLifecycle, "lifecycle"},
 };
 
 constexpr std::pair<int32_t, const char*> kFormatNames[] = {
@@ -59,8 +60,8 @@ const std::map<std::string, Setter>& valueOptions() {
                  o->modulePath = v;
                  return !v.empty();
              }},
-            {"--camera",
-             [](const std::string& v, Options* o) { return setNumber(v, 0, 255, &o->cameraId); }},
+            {"--camera", [](const std::string& v,
+                            Options* o) { return setNumber(v, 0, INT32_MAX, &o->cameraId); }},
             {"--scenario",
              [](const std::string& v, Options* o) {
                  auto scenario = scenarioFromName(v);
@@ -70,7 +71,11 @@ const std::map<std::string, Setter>& valueOptions() {
             {"--frames", [](const std::string& v,
                             Options* o) { return setNumber(v, 1, 10000000, &o->frames); }},
             {"--fps",
-             [](const std::string& v, Options* o) { return setNumber(v, 1, 1000, &o->fps); }},
+             [](const std::string& v, Options* o) {
+                 if (v != "max") return setNumber(v, 1, kMaxFps, &o->fps);
+                 o->fps = kUnpaced;
+                 return true;
+             }},
             {"--batch",
              [](const std::string& v, Options* o) { return setNumber(v, 1, 64, &o->batch); }},
             {"--depth",
@@ -139,6 +144,10 @@ bool parseOptions(const std::vector<std::string>& args, Options* options, std::s
             options->help = true;
             continue;
         }
+        if (arg == "--json-frames") {
+            options->jsonFrames = true;
+            continue;
+        }
         std::string name = arg;
         std::optional<std::string> value;
         if (size_t equals = arg.find('='); arg.starts_with("--") && equals != std::string::npos) {
@@ -172,10 +181,12 @@ Plays the camera provider and the camera framework over the AIDL camera device a
 legacy HAL3 module (the virtual camera by default), checks the protocol and reports.
 
   --module PATH          HAL3 module .so to load (default: the virtual camera of the build)
-  --camera ID            camera to drive (default 0)
-  --scenario NAME        basic (default), burst, flush, reconfigure or hbm
+  --camera ID            camera to drive (default 0), any id the module reports or announces
+  --scenario NAME        basic (default), burst, flush, reconfigure, hbm or lifecycle
   --frames N             capture requests to submit (default 90)
-  --fps N                frame rate asked for, 1..1000 (default 30)
+  --fps N                frame rate asked for, 1..100000 (default 30), or max: unpaced, as
+                         fast as the pipeline takes requests (adds unpaced=1 to
+                         VIRTUAL_CAMERA_OPTIONS; shutter spacing is not judged)
   --streams LIST         output streams, WxH:FORMAT[@PHYSICAL_ID],... with FORMAT one of
                          YUV_420_888, IMPLEMENTATION_DEFINED, BLOB (default: chosen from the
                          camera's configurations for the frame rate)
@@ -186,6 +197,7 @@ legacy HAL3 module (the virtual camera by default), checks the protocol and repo
   --prop KEY=VALUE       set a system property before the devices are made (repeatable), e.g.
                          vendor.debug.camera.log=3
   --json FILE            write the full report as JSON
+  --json-frames          add every frame's timestamps and latencies to the JSON report
   --trace FILE           write a Chrome/Perfetto JSON trace of the adapter and the harness
   --help                 this text
 
@@ -197,9 +209,16 @@ Scenarios:
                makes the device forget dropped buffers
   hbm          basic with the HAL buffer manager: adds hbm=1 to VIRTUAL_CAMERA_OPTIONS and
                requires the camera to advertise it
+  lifecycle    open, open again (must fail), every request template, configure, capture, close,
+               calls after close (must not reach the module), close again, reopen and capture
 
 The exit status is 0 when no rule was broken, 1 when one was, 2 for a usage or set-up error.
 )";
+}
+
+int32_t settingsFps(const Options& options) {
+    constexpr int32_t kUnpacedSettingsFps = 1000;
+    return options.fps == kUnpaced ? kUnpacedSettingsFps : options.fps;
 }
 
 int32_t batchSize(const Options& options) {

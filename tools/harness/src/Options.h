@@ -13,7 +13,7 @@
 
 namespace camera_harness {
 
-enum class Scenario { kBasic, kBurst, kFlush, kReconfigure, kHbm };
+enum class Scenario { kBasic, kBurst, kFlush, kReconfigure, kHbm, kLifecycle };
 
 enum class BufferLayout { kSingleFd, kFdPerPlane };
 
@@ -29,12 +29,16 @@ struct StreamDescription {
     bool operator==(const StreamDescription&) const = default;
 };
 
+// --fps max: no frame duration asked for; requests go as fast as the pipeline takes them.
+constexpr int32_t kUnpaced = 0;
+constexpr int32_t kMaxFps = 100000;
+
 struct Options {
     std::string modulePath;  // empty: the virtual camera of the build tree
     int32_t cameraId = 0;
     Scenario scenario = Scenario::kBasic;
     int32_t frames = 90;
-    int32_t fps = 30;
+    int32_t fps = 30;                        // kUnpaced: as fast as the pipeline allows
     std::vector<StreamDescription> streams;  // empty: chosen from the camera's configurations
     int32_t batch = 0;                       // 0: the scenario's default
     int32_t depth = 0;                       // 0: the smallest maxBuffers of the configured streams
@@ -42,6 +46,7 @@ struct Options {
     PatternChecking patternChecking = PatternChecking::kAuto;
     std::vector<std::pair<std::string, std::string>> properties;
     std::string jsonPath;
+    bool jsonFrames = false;  // per-frame detail in the JSON report
     std::string tracePath;
     bool help = false;
 };
@@ -51,6 +56,9 @@ struct Options {
 bool parseOptions(const std::vector<std::string>& args, Options* options, std::string* error);
 
 std::string usageText();
+
+// The frame rate streams and settings are chosen for: --fps, or 1000 when unpaced.
+int32_t settingsFps(const Options& options);
 
 // Requests per processCaptureRequest call: --batch, else 4 for the burst scenario and 1 otherwise.
 int32_t batchSize(const Options& options);

@@ -29,9 +29,18 @@ std::string streamText(int32_t streamId) {
 ProtocolChecker::ProtocolChecker(int32_t partialResultCount, bool halBufferManager)
     : mPartialResultCount(partialResultCount), mHalBufferManager(halBufferManager) {}
 
-void ProtocolChecker::configureStreams(const std::vector<CheckedStream>& streams) {
+void ProtocolChecker::configureStreams(const std::vector<CheckedStream>& streams,
+                                       int64_t minFrameDurationNs) {
+    mMinFrameDurationNs = minFrameDurationNs;
     mStreams.clear();
     for (const auto& stream : streams) mStreams[stream.streamId] = stream.physicalCameraId;
+}
+
+void ProtocolChecker::newSession() {
+    mLastShutterFrame.reset();
+    mLastShutterTimestamp.reset();
+    mLastFinalFrame.reset();
+    mLastBufferFrame.clear();
 }
 
 void ProtocolChecker::requestSubmitted(const SubmittedRequest& request, Clock::time_point when) {
@@ -75,7 +84,8 @@ ProtocolChecker::Frame* ProtocolChecker::findFrame(int32_t frameNumber, const ch
     return nullptr;
 }
 
-void ProtocolChecker::shutter(int32_t frameNumber, int64_t timestamp, Clock::time_point when) {
+void ProtocolChecker::shutter(int32_t frameNumber, int64_t timestamp, Clock::time_point when,
+                              int64_t readoutTimestamp) {
     ++mCounters.shutters;
     Frame* frame = findFrame(frameNumber, "shutter");
     if (frame == nullptr) return;
@@ -94,6 +104,22 @@ void ProtocolChecker::shutter(int32_t frameNumber, int64_t timestamp, Clock::tim
         report(Rule::kShutterOrder, frameNumber,
                "shutter timestamp " + std::to_string(timestamp) + " not after the previous " +
                        std::to_string(*mLastShutterTimestamp));
+    } else if (mLastShutterTimestamp &&
+               static_cast<double>(timestamp - *mLastShutterTimestamp) <
+                       static_cast<double>(mMinFrameDurationNs) * (1 - kShutterSpacingTolerance)) {
+        report(Rule::kShutterSpacing, frameNumber,
+               "shutter " + std::to_string(timestamp - *mLastShutterTimestamp) +
+                       " ns after the previous one, minimum frame duration " +
+                       std::to_string(mMinFrameDurationNs) + " ns");
+    }
+    if (mReadoutRule == ReadoutRule::kNotBeforeShutter && readoutTimestamp < timestamp) {
+        report(Rule::kReadoutTimestamp, frameNumber,
+               "readout timestamp " + std::to_string(readoutTimestamp) +
+                       " before the shutter timestamp " + std::to_string(timestamp));
+    } else if (mReadoutRule == ReadoutRule::kZero && readoutTimestamp != 0) {
+        report(Rule::kReadoutUnsupported, frameNumber,
+               "readout timestamp " + std::to_string(readoutTimestamp) +
+                       " from a module that has none");
     }
     if (frame->resultBeforeShutter) {
         report(Rule::kShutterBeforeResult, frameNumber,
@@ -106,6 +132,9 @@ void ProtocolChecker::shutter(int32_t frameNumber, int64_t timestamp, Clock::tim
     }
     frame->shutter = true;
     frame->shutterTimestamp = timestamp;
+    frame->record.shutterTimestamp = timestamp;
+    frame->record.readoutTimestamp = readoutTimestamp;
+    frame->record.shutterLatencyNs = (when - frame->submitted).count();
     mLastShutterFrame = frameNumber;
     mLastShutterTimestamp = timestamp;
     if (!mFirstShutterTimestamp) mFirstShutterTimestamp = timestamp;
@@ -258,8 +287,8 @@ std::vector<int64_t> ProtocolChecker::result(const ResultReport& report,
         if (buffer.filled && inspect) {
             ++mCounters.patternsChecked;
             if (auto problem = inspect(id, buffer.streamId, frameNumber)) {
-                this->report(Rule::kBufferPattern, frameNumber,
-                             streamText(buffer.streamId) + ": " + *problem);
+                this->report(problem->first, frameNumber,
+                             streamText(buffer.streamId) + ": " + problem->second);
             }
         }
     }
@@ -274,6 +303,7 @@ void ProtocolChecker::checkFinalMetadata(int32_t frameNumber, Frame& frame,
         return;
     }
     frame.finalMetadata = true;
+    frame.record.finalLatencyNs = (when - frame.submitted).count();
     frame.partials.insert(report.partialResult);
     ++mCounters.finalResults;
     mFinalLatency.add(when - frame.submitted);
@@ -450,6 +480,14 @@ void ProtocolChecker::completeIfDone(int32_t frameNumber) {
         }
     }
     ++mCounters.requestsCompleted;
+    if (mRecordFrames) {
+        FrameRecord record = frame.record;
+        record.frameNumber = frameNumber;
+        record.errors = frame.errorRequest || frame.errorResult ||
+                        std::any_of(frame.slots.begin(), frame.slots.end(),
+                                    [](const auto& slot) { return slot.second.errorNotified; });
+        mFrameRecords.push_back(record);
+    }
     mFrames.erase(it);
 }
 

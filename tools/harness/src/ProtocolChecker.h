@@ -87,16 +87,43 @@ struct ProtocolCounters {
     int64_t errorBuffer = 0;
 };
 
+// One completed frame, for a per-frame report.
+struct FrameRecord {
+    int32_t frameNumber = 0;
+    std::optional<int64_t> shutterTimestamp;
+    std::optional<int64_t> readoutTimestamp;
+    std::optional<int64_t> shutterLatencyNs;
+    std::optional<int64_t> finalLatencyNs;
+    bool errors = false;  // an error notification named the frame
+};
+
+// What a shutter's readout timestamp must be.
+enum class ReadoutRule {
+    kNotJudged,         // the camera says it has none
+    kNotBeforeShutter,  // the module provides them
+    kZero,              // the module has none: nothing may stand in for one
+};
+
 class ProtocolChecker {
 public:
-    // Checks a filled buffer's contents; returns what is wrong, or nullopt when it is right.
-    using BufferInspector = std::function<std::optional<std::string>(
+    // Checks a filled buffer's contents; returns the rule it breaks and what is wrong, or nullopt
+    // when it is right.
+    using BufferInspector = std::function<std::optional<std::pair<Rule, std::string>>(
             int64_t bufferId, int32_t streamId, int32_t frameNumber)>;
+
+    // Shutters may come no closer than the minimum frame duration less this share of it.
+    static constexpr double kShutterSpacingTolerance = 0.1;
 
     ProtocolChecker(int32_t partialResultCount, bool halBufferManager);
 
-    // A new stream configuration; nothing may be in flight.
-    void configureStreams(const std::vector<CheckedStream>& streams);
+    // A new stream configuration; nothing may be in flight. Shutter timestamps are held to
+    // `minFrameDurationNs` apart (0: not judged).
+    void configureStreams(const std::vector<CheckedStream>& streams, int64_t minFrameDurationNs = 0);
+    void setReadoutRule(ReadoutRule rule) { mReadoutRule = rule; }
+    // A new session on the device: ordering starts afresh.
+    void newSession();
+    // Keeps a FrameRecord of every completed frame.
+    void recordFrames() { mRecordFrames = true; }
 
     void requestSubmitted(const SubmittedRequest& request, Clock::time_point when);
     // Requests of a failed processCaptureRequest call: the framework takes none of them as
@@ -105,7 +132,8 @@ public:
     // From now on errors are expected for the requests in flight (a flush is coming).
     void expectErrorsInFlight();
 
-    void shutter(int32_t frameNumber, int64_t timestamp, Clock::time_point when);
+    void shutter(int32_t frameNumber, int64_t timestamp, Clock::time_point when,
+                 int64_t readoutTimestamp = 0);
     void error(int32_t frameNumber, int32_t streamId, int32_t errorCode);
     // Returns the ids of the buffers that are the framework's again.
     std::vector<int64_t> result(const ResultReport& report, const BufferInspector& inspect,
@@ -132,6 +160,7 @@ public:
     const std::vector<Violation>& violations() const { return mViolations; }
     const LatencySeries& shutterLatency() const { return mShutterLatency; }
     const LatencySeries& finalLatency() const { return mFinalLatency; }
+    const std::vector<FrameRecord>& frameRecords() const { return mFrameRecords; }
     // Shutter timestamps of the first and last shutters, for the frame rate achieved.
     std::optional<std::pair<int64_t, int64_t>> shutterSpan() const;
 
@@ -149,6 +178,7 @@ private:
         bool errorsExpected = false;
         bool shutter = false;
         int64_t shutterTimestamp = 0;
+        FrameRecord record;
         bool errorRequest = false;
         bool errorResult = false;
         std::set<std::string> lostPhysicalResults;
@@ -176,6 +206,10 @@ private:
     std::optional<int32_t> mLastShutterFrame;
     std::optional<int64_t> mFirstShutterTimestamp;
     std::optional<int64_t> mLastShutterTimestamp;
+    int64_t mMinFrameDurationNs = 0;
+    ReadoutRule mReadoutRule = ReadoutRule::kNotJudged;
+    bool mRecordFrames = false;
+    std::vector<FrameRecord> mFrameRecords;
     std::optional<int32_t> mLastFinalFrame;
     std::map<int32_t, int32_t> mLastBufferFrame;  // by stream id
     ProtocolCounters mCounters;

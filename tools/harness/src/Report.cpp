@@ -33,6 +33,12 @@ std::string latencyRow(const char* name, const LatencySeries& series) {
     return row + format("%9.2f\n", series.maxMs());
 }
 
+std::string joined(const std::vector<std::string>& items) {
+    std::string text;
+    for (const auto& item : items) text += (text.empty() ? "" : ", ") + item;
+    return text.empty() ? "none" : text;
+}
+
 std::map<Rule, size_t> countByRule(const std::vector<Violation>& violations) {
     std::map<Rule, size_t> counts;
     for (const auto& violation : violations) ++counts[violation.rule];
@@ -69,8 +75,10 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
 
     text += format("camera_harness: scenario %s, camera %d of %s\n", scenarioName(plan.scenario),
                    report.cameraId, report.module.c_str());
-    text += format("  %d frames asked at %d fps, depth %d, batch %d, %s buffers%s%s\n", plan.frames,
-                   plan.fps, o.depth, plan.batch,
+    const std::string rate = plan.unpaced ? std::string("unpaced (shutter spacing not judged)")
+                                          : format("%d fps", plan.fps);
+    text += format("  %d frames asked at %s, depth %d, batch %d, %s buffers%s%s\n", plan.frames,
+                   rate.c_str(), o.depth, plan.batch,
                    plan.bufferLayout == BufferLayout::kFdPerPlane ? "fd-per-plane" : "single-fd",
                    report.halBufferManager ? ", HAL buffer manager" : "",
                    plan.checkPatterns ? ", patterns checked" : "");
@@ -93,7 +101,7 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
     text += format("  %-20s %lld partial, %lld final, %lld physical, %lld calls\n", "results",
                    ll(p.partialResults), ll(p.finalResults), ll(p.physicalMetadata),
                    ll(p.resultCalls));
-    text += format("  %-20s %lld filled, %lld error, %lld patterns checked\n", "buffers",
+    text += format("  %-20s %lld filled, %lld error, %lld contents checked\n", "buffers",
                    ll(p.buffersFilled), ll(p.buffersError), ll(p.patternsChecked));
     if (report.halBufferManager) {
         text += format("  %-20s %lld handed out, %lld returned unused\n", "buffer manager",
@@ -110,8 +118,18 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
             "session", o.configurations, o.combinationsRefused, o.flushes, ll(o.cachesRemoved));
     text += format("  %-20s %.2f fps by shutter timestamps, %.2f s in all\n", "frame rate",
                    report.measuredFps(), static_cast<double>(o.elapsed.count()) / 1e9);
-    text += format("  %-20s %zu before open, %zu after close\n", "file descriptors", o.fdsBefore,
-                   o.fdsAfter);
+    if (o.secondSession) {
+        text += format("  %-20s %zu before open, %zu after close, %zu after a second session\n",
+                       "file descriptors", o.fdsBefore, o.fdsAfterFirst, o.fdsAfter);
+    } else {
+        text += format("  %-20s %zu before open, %zu after close\n", "file descriptors",
+                       o.fdsBefore, o.fdsAfter);
+    }
+    if (plan.scenario == Scenario::kLifecycle) {
+        text += format("  %-20s %s\n", "second open", o.secondOpen.c_str());
+        text += format("  %-20s %s; missing: %s\n", "request templates",
+                       joined(o.templatesSupported).c_str(), joined(o.templatesMissing).c_str());
+    }
 
     text += format("%-22s%9s%9s%9s%9s\n", "latency (ms)", "p50", "p90", "p99", "max");
     text += latencyRow("request to shutter", report.shutterLatency);
@@ -124,6 +142,14 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
                    static_cast<double>(report.cpu.callsNs) / 1000.0 / frames,
                    static_cast<double>(report.cpu.sectionsNs) / 1000.0 / frames,
                    ll(report.cpu.sections));
+    if (report.cpu.moduleMeasured) {
+        text += format("  %-20s %.1f us (inside the adapter's calls, not counted above)\n",
+                       "legacy module", static_cast<double>(report.cpu.moduleNs) / 1000.0 / frames);
+    } else {
+        text += format("  %-20s not measured (included in the adapter's calls)\n", "legacy module");
+    }
+    text += format("  %-20s %lld ns per bracket, included above\n", "meter cost",
+                   ll(report.cpu.meterCostNs));
     text += format("  %-20s %.1f us\n", "harness callbacks",
                    static_cast<double>(report.cpu.callbacksNs) / 1000.0 / frames);
 
@@ -134,7 +160,7 @@ std::string summaryText(const RunReport& report, size_t maxViolations) {
     text += format("rules broken: %zu violation%s\n", report.violations.size(),
                    report.violations.size() == 1 ? "" : "s");
     for (const auto& [rule, count] : countByRule(report.violations)) {
-        text += format("  %-24s %zu\n", ruleName(rule), count);
+        text += format("  %-24s %-8s %zu\n", ruleName(rule), ruleOwner(rule), count);
     }
     for (size_t i = 0; i < report.violations.size() && i < maxViolations; ++i) {
         text += "  " + toString(report.violations[i]) + "\n";
@@ -154,6 +180,7 @@ std::string jsonReport(const RunReport& report) {
     json.field("module", report.module).field("camera", report.cameraId);
     json.field("scenario", scenarioName(report.plan.scenario));
     json.field("frames", report.plan.frames).field("fps", report.plan.fps);
+    json.field("unpaced", report.plan.unpaced);
     json.field("batch", report.plan.batch).field("depth", o.depth);
     json.field("bufferLayout",
                report.plan.bufferLayout == BufferLayout::kFdPerPlane ? "fd-per-plane" : "single-fd");
@@ -188,7 +215,6 @@ std::string jsonReport(const RunReport& report) {
     json.field("settingsQueued", t.settingsQueued).field("settingsInline", t.settingsInline);
     json.field("configurations", o.configurations).field("flushes", o.flushes);
     json.field("combinationsRefused", o.combinationsRefused);
-    json.field("combinationsRefused", o.combinationsRefused);
     json.field("bufferCachesRemoved", o.cachesRemoved);
     json.endObject();
 
@@ -202,20 +228,47 @@ std::string jsonReport(const RunReport& report) {
     json.field("callsNs", report.cpu.callsNs).field("sectionsNs", report.cpu.sectionsNs);
     json.field("sections", report.cpu.sections);
     json.field("harnessCallbacksNs", report.cpu.callbacksNs);
+    json.field("moduleMeasured", report.cpu.moduleMeasured);
+    json.field("moduleNs", report.cpu.moduleNs);
+    json.field("meterCostNsPerBracket", report.cpu.meterCostNs);
     json.endObject();
+
+    if (report.plan.scenario == Scenario::kLifecycle) {
+        json.key("lifecycle").beginObject().field("secondOpen", o.secondOpen);
+        json.key("templatesSupported").beginArray();
+        for (const auto& name : o.templatesSupported) json.value(name);
+        json.endArray().key("templatesMissing").beginArray();
+        for (const auto& name : o.templatesMissing) json.value(name);
+        json.endArray().endObject();
+    }
 
     json.field("measuredFps", report.measuredFps());
     json.field("elapsedSeconds", static_cast<double>(o.elapsed.count()) / 1e9);
     json.field("fdsBeforeOpen", static_cast<int64_t>(o.fdsBefore));
+    json.field("fdsAfterFirstClose", static_cast<int64_t>(o.fdsAfterFirst));
     json.field("fdsAfterClose", static_cast<int64_t>(o.fdsAfter));
+    json.field("secondSession", o.secondSession);
 
     json.key("violations").beginArray();
     for (const auto& violation : report.violations) {
         json.beginObject().field("rule", ruleName(violation.rule));
+        json.field("owner", ruleOwner(violation.rule));
         if (violation.frameNumber) json.field("frame", *violation.frameNumber);
         json.field("what", violation.what).field("text", toString(violation)).endObject();
     }
     json.endArray();
+    if (!report.frames.empty()) {
+        json.key("perFrame").beginArray();
+        for (const auto& frame : report.frames) {
+            json.beginObject().field("frame", frame.frameNumber);
+            if (frame.shutterTimestamp) json.field("shutterTimestamp", *frame.shutterTimestamp);
+            if (frame.readoutTimestamp) json.field("readoutTimestamp", *frame.readoutTimestamp);
+            if (frame.shutterLatencyNs) json.field("shutterLatencyNs", *frame.shutterLatencyNs);
+            if (frame.finalLatencyNs) json.field("finalLatencyNs", *frame.finalLatencyNs);
+            json.field("errors", frame.errors).endObject();
+        }
+        json.endArray();
+    }
     json.field("passed", report.violations.empty());
     json.endObject();
     return json.text() + "\n";

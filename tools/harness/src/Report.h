@@ -30,6 +30,7 @@ struct RunReport {
     std::optional<std::pair<int64_t, int64_t>> shutterSpan;
     CpuMeter::Totals cpu;
     std::vector<Violation> violations;
+    std::vector<FrameRecord> frames;  // with --json-frames
 
     // Frames per second over the shutter timestamps; 0 with fewer than two shutters.
     double measuredFps() const;

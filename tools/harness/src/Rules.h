@@ -13,6 +13,9 @@ namespace camera_harness {
 enum class Rule {
     kShutterOnce,
     kShutterOrder,
+    kShutterSpacing,
+    kReadoutTimestamp,
+    kReadoutUnsupported,
     kShutterBeforeResult,
     kFinalMetadataOnce,
     kPartialResult,
@@ -26,6 +29,7 @@ enum class Rule {
     kBufferId,
     kBufferOrder,
     kBufferPattern,
+    kJpegBlob,
     kReleaseFence,
     kErrorConsistency,
     kNoDeviceErrors,
@@ -35,6 +39,7 @@ enum class Rule {
     kBufferRequest,
     kCallStatus,
     kNoCallbackAfterClose,
+    kCallAfterClose,
     kFdLeak,
     kCount,
 };
@@ -43,6 +48,8 @@ enum class Rule {
 const char* ruleName(Rule rule);
 // One line saying what the rule asks for.
 const char* ruleDescription(Rule rule);
+// Whose fault a broken rule is: "adapter" or "module".
+const char* ruleOwner(Rule rule);
 
 struct Violation {
     Rule rule = Rule::kCount;
@@ -50,7 +57,7 @@ struct Violation {
     std::string what;
 };
 
-// "frame 5: unexpected ERROR_REQUEST (rule: no-device-errors)"
+// "frame 5: unexpected ERROR_REQUEST (rule: no-device-errors, module)"
 std::string toString(const Violation& violation);
 
 }  // namespace camera_harness

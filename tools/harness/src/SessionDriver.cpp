@@ -1,5 +1,6 @@
 #include "SessionDriver.h"
 
+#include <aidl/android/hardware/camera/common/Status.h>
 #include <aidl/android/hardware/camera/device/RequestTemplate.h>
 #include <aidl/android/hardware/camera/metadata/RequestAvailableColorSpaceProfilesMap.h>
 #include <aidlcommonsupport/NativeHandle.h>
@@ -40,6 +41,11 @@ constexpr std::chrono::milliseconds kStallTimeout{5000};
 constexpr int32_t kSettingsEvery = 4;
 // Flushes spread over the flush scenario.
 constexpr int32_t kFlushes = 4;
+// Requests of the second session, which only shows whether descriptors grow per session.
+constexpr int32_t kSecondSessionFrames = 4;
+// What a call that reached the legacy device may answer: anything but OK after close.
+constexpr auto kStatusNotSupported =
+        aidl::android::hardware::camera::common::Status::OPERATION_NOT_SUPPORTED;
 
 size_t countOpenFds() {
     std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir("/proc/self/fd"), closedir);
@@ -76,12 +82,18 @@ RunOutcome SessionDriver::run() {
     const auto start = Clock::now();
     mOutcome.fdsBefore = countOpenFds();
     queryDevice();
-    if (open() && configure(mPlan.streams)) {
+    const bool opened = open();
+    if (opened && mPlan.scenario == Scenario::kLifecycle) {
+        openAgain();
+        queryTemplates();
+    }
+    if (opened && configure(mPlan.streams)) {
         const int32_t frames = mPlan.frames;
         switch (mPlan.scenario) {
             case Scenario::kBasic:
             case Scenario::kBurst:
             case Scenario::kHbm:
+            case Scenario::kLifecycle:
                 submit(frames, nullptr);
                 break;
             case Scenario::kFlush: {
@@ -108,16 +120,90 @@ RunOutcome SessionDriver::run() {
         forgetAllBuffers();
     }
     close();
+    if (mPlan.scenario == Scenario::kLifecycle) callsAfterClose();
+    release();
+    mOutcome.fdsAfterFirst = countOpenFds();
+    if (opened && !mStalled && mPlan.secondSession) secondSession();
     mOutcome.elapsed = Clock::now() - start;
     mOutcome.fdsAfter = countOpenFds();
-    if (mOutcome.fdsAfter > mOutcome.fdsBefore) {
+    // The first session may leave what the module makes once per process; another may not.
+    const size_t baseline = mOutcome.secondSession ? mOutcome.fdsAfterFirst : mOutcome.fdsBefore;
+    if (mOutcome.fdsAfter > baseline) {
         mState->report(Rule::kFdLeak, std::nullopt,
-                       std::to_string(mOutcome.fdsAfter - mOutcome.fdsBefore) +
-                               " more file descriptors open after close than before open (" +
-                               std::to_string(mOutcome.fdsBefore) + " before, " +
+                       std::to_string(mOutcome.fdsAfter - baseline) +
+                               " more file descriptors open after " +
+                               (mOutcome.secondSession ? "a second session (" : "close (") +
+                               std::to_string(baseline) + " before, " +
                                std::to_string(mOutcome.fdsAfter) + " after)");
     }
     return mOutcome;
+}
+
+void SessionDriver::secondSession() {
+    mState->markOpen();
+    mOutcome.secondSession = true;
+    if (open() && configure(mPlan.streams)) {
+        submit(kSecondSessionFrames, nullptr);
+        drain("at the end of the second session");
+        forgetAllBuffers();
+    }
+    close();
+    release();
+}
+
+void SessionDriver::openAgain() {
+    auto callback = ndk::SharedRefBase::make<FrameworkCallback>(mState, mTrace);
+    std::shared_ptr<ICameraDeviceSession> second;
+    ndk::ScopedAStatus status;
+    {
+        HarnessSpan span(mTrace, "second open");
+        CpuMeter::AdapterCall cpu;
+        status = mDevice->open(callback, &second);
+    }
+    if (!status.isOk()) {
+        mOutcome.secondOpen = status.getDescription();
+        return;
+    }
+    // A module may allow it; the framework then has two sessions and closes the second.
+    mOutcome.secondOpen = "accepted";
+    if (second) {
+        CpuMeter::AdapterCall cpu;
+        check(second->close(), "close of the second session");
+    }
+}
+
+void SessionDriver::queryTemplates() {
+    for (auto type : {RequestTemplate::PREVIEW, RequestTemplate::STILL_CAPTURE,
+                      RequestTemplate::VIDEO_RECORD, RequestTemplate::VIDEO_SNAPSHOT,
+                      RequestTemplate::ZERO_SHUTTER_LAG, RequestTemplate::MANUAL}) {
+        CameraMetadata settings;
+        ndk::ScopedAStatus status;
+        {
+            CpuMeter::AdapterCall cpu;
+            status = mSession->constructDefaultRequestSettings(type, &settings);
+        }
+        // A template the module lacks is an answer, not a fault.
+        bool usable = status.isOk() && viewMetadata(settings.metadata) != nullptr;
+        (usable ? mOutcome.templatesSupported : mOutcome.templatesMissing)
+                .push_back(aidl::android::hardware::camera::device::toString(type));
+    }
+}
+
+void SessionDriver::callsAfterClose() {
+    if (!mSession) return;
+    HarnessSpan span(mTrace, "calls after close");
+    CpuMeter::AdapterCall cpu;
+    auto reached = [&](const std::string& what) {
+        mState->report(Rule::kCallAfterClose, std::nullopt,
+                       what + " after close: the call reached the closed legacy device");
+    };
+    if (mSession->flush().isOk()) reached("flush answered OK");
+    CameraMetadata settings;
+    if (mSession->constructDefaultRequestSettings(RequestTemplate::PREVIEW, &settings).isOk() &&
+        !settings.metadata.empty()) {
+        reached("constructDefaultRequestSettings gave a template");
+    }
+    if (mSession->close().isOk()) reached("a second close answered OK");
 }
 
 bool SessionDriver::check(const ndk::ScopedAStatus& status, const std::string& call) {
@@ -250,8 +336,9 @@ bool SessionDriver::configure(const std::vector<StreamDescription>& descriptions
         size_t size = virtual_camera::hostBufferSize(description.format, description.width,
                                                      description.height, mCamera.jpegMaxSize);
         configured.push_back({stream.id, description, size, hal->maxBuffers});
-        mOutcome.streams.push_back({stream.id, description, hal->maxBuffers,
-                                    static_cast<int64_t>(hal->producerUsage)});
+        if (!mOutcome.secondSession)
+            mOutcome.streams.push_back({stream.id, description, hal->maxBuffers,
+                                        static_cast<int64_t>(hal->producerUsage)});
     }
     if (halStreams.size() != streams.size()) {
         mState->report(Rule::kCallStatus, std::nullopt,
@@ -259,7 +346,8 @@ bool SessionDriver::configure(const std::vector<StreamDescription>& descriptions
                                " HalStreams for " + std::to_string(streams.size()) + " streams");
     }
 
-    for (const auto& dropped : mState->configure(configured)) {
+    const int64_t minFrameDuration = mPlan.unpaced ? 0 : mCamera.minFrameDurationNs(descriptions);
+    for (const auto& dropped : mState->configure(configured, minFrameDuration)) {
         mPendingCacheRemovals.push_back(BufferCache{dropped.streamId, dropped.bufferId});
     }
     mStreams = streams;
@@ -435,12 +523,16 @@ void SessionDriver::reconfigure() {
     {
         HarnessSpan span(mTrace, "signalStreamFlush");
         CpuMeter::AdapterCall cpu;
-        check(mSession->signalStreamFlush(ids, mStreamConfigCounter - 1), "signalStreamFlush");
+        // Oneway: the framework never sees its status.
+        (void)mSession->signalStreamFlush(ids, mStreamConfigCounter - 1);
         bool required = false;
         CameraMetadata params;
         params.metadata = mSettings->sessionParameters;
-        check(mSession->isReconfigurationRequired(params, params, &required),
-              "isReconfigurationRequired");
+        // OPERATION_NOT_SUPPORTED: the device cannot tell, so the framework reconfigures.
+        ndk::ScopedAStatus status = mSession->isReconfigurationRequired(params, params, &required);
+        if (status.getServiceSpecificError() != static_cast<int32_t>(kStatusNotSupported)) {
+            check(status, "isReconfigurationRequired");
+        }
     }
     if (!configure(descriptions)) return;
     // A framework whose buffer queue shrank frees buffers of a stream that stays.
@@ -488,6 +580,10 @@ void SessionDriver::close() {
     mState->markClosed();
     mState->finish();
     mState->dropAllBuffers();
+    mPendingCacheRemovals.clear();
+}
+
+void SessionDriver::release() {
     mSession.reset();
     if (mCallback) mCallback->setResultQueue(nullptr);
     mCallback.reset();

@@ -3,8 +3,9 @@
  * session with a FrameworkCallback, attaches both metadata queues, configures streams, submits
  * requests from its own thread (one processCaptureRequest call at a time, bounded by the depth
  * and the streams' maxBuffers), flushes and reconfigures as the scenario asks, makes the device
- * forget the buffers it drops, closes the session and checks that no file descriptor was left
- * behind. What it sees goes to FrameworkState; run() returns what the report needs.
+ * forget the buffers it drops and closes the session. A short second session then shows whether
+ * file descriptors grow per session (what the module keeps from its first session is its own).
+ * What it sees goes to FrameworkState; run() returns what the report needs.
  *
  * One driver per run, used from one thread; callbacks arrive on the device's threads.
  */
@@ -37,12 +38,14 @@ class TraceFile;
 struct RunPlan {
     Scenario scenario = Scenario::kBasic;
     int32_t frames = 0;
-    int32_t fps = 30;
-    int32_t batch = 1;  // requests per processCaptureRequest call
-    int32_t depth = 0;  // 0: the smallest maxBuffers
+    int32_t fps = 30;      // the rate settings ask for
+    bool unpaced = false;  // requests as fast as the pipeline takes them; spacing not judged
+    int32_t batch = 1;     // requests per processCaptureRequest call
+    int32_t depth = 0;     // 0: the smallest maxBuffers
     std::vector<StreamDescription> streams;
     BufferLayout bufferLayout = BufferLayout::kSingleFd;
     bool checkPatterns = false;
+    bool secondSession = true;  // a short second session for the fd rule
 };
 
 // A configured stream with the device's answer, for the report.
@@ -60,8 +63,14 @@ struct RunOutcome {
     int32_t configurations = 0;
     int32_t combinationsRefused = 0;  // configurations isStreamCombinationSupported said no to
     int64_t cachesRemoved = 0;
-    size_t fdsBefore = 0;
-    size_t fdsAfter = 0;
+    size_t fdsBefore = 0;      // before the first open
+    size_t fdsAfterFirst = 0;  // after the first session's close
+    size_t fdsAfter = 0;       // after the second session's close
+    bool secondSession = false;
+    // lifecycle: what a second open of the open camera answered, and the request templates.
+    std::string secondOpen;
+    std::vector<std::string> templatesSupported;
+    std::vector<std::string> templatesMissing;
     std::chrono::nanoseconds elapsed{0};
 };
 
@@ -84,6 +93,12 @@ private:
     // What the framework asks a device before it opens it: resource cost, physical cameras.
     void queryDevice();
     bool open();
+    // lifecycle: a second open while the first session is open, every request template, and
+    // calls on the closed session.
+    void openAgain();
+    void queryTemplates();
+    void callsAfterClose();
+    void secondSession();
     bool configure(const std::vector<StreamDescription>& descriptions);
     // Submits `count` requests; `afterCall` runs after every processCaptureRequest call with
     // the number submitted so far in this phase. False when the device stalled.
@@ -98,6 +113,8 @@ private:
     void drain(const char* when);
     void forgetAllBuffers();
     void close();
+    // Lets go of the session, its callback and queues.
+    void release();
     // Checks an AIDL status; false (and a call-status violation) when it is not OK.
     bool check(const ndk::ScopedAStatus& status, const std::string& call);
     std::vector<StreamDescription> reconfiguredStreams() const;

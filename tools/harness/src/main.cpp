@@ -2,6 +2,7 @@
 // adapter, drives a legacy HAL3 module (the virtual camera by default) and reports.
 
 #include <cutils/properties.h>
+#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -46,20 +47,36 @@ int setUpError(const std::string& message) {
 }
 
 // The virtual camera reads its options at every init(); the hbm scenario turns its buffer
-// manager on before the module is loaded.
-void requestHalBufferManager() {
+// manager on, and --fps max its unpaced frames, before the module is loaded.
+void addVirtualCameraOption(const char* item) {
     const char* current = getenv("VIRTUAL_CAMERA_OPTIONS");
-    std::string options = current != nullptr && current[0] != '\0' ? std::string(current) + ",hbm=1"
-                                                                   : std::string("hbm=1");
+    std::string options = current != nullptr && current[0] != '\0'
+                                  ? std::string(current) + "," + item
+                                  : std::string(item);
     setenv("VIRTUAL_CAMERA_OPTIONS", options.c_str(), 1);
+}
+
+// Whether the module's shutter messages carry readout timestamps, as it declares them through
+// its optional entry point (absent: the standard message without one). The provider has loaded
+// the module already; this only looks it up.
+bool moduleHasReadoutTimestamps(const std::string& modulePath, int32_t cameraId) {
+    void* library = dlopen(modulePath.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (library == nullptr) return false;
+    using HasReadoutTimestamp = int (*)(int);
+    auto entry = reinterpret_cast<HasReadoutTimestamp>(
+            dlsym(library, "tarnic_camera_has_readout_timestamp"));
+    bool has = entry != nullptr && entry(cameraId) != 0;
+    dlclose(library);
+    return has;
 }
 
 // The streams to configure: those asked for, all among the camera's outputs, or the defaults.
 bool chooseStreams(const Options& options, const CameraInfo& camera,
                    std::vector<StreamDescription>* streams, std::string* error) {
-    *streams = options.streams.empty() ? camera.defaultStreams(options.fps) : options.streams;
+    const int32_t fps = settingsFps(options);
+    *streams = options.streams.empty() ? camera.defaultStreams(fps) : options.streams;
     if (streams->empty()) {
-        *error = "the camera has no output that runs at " + std::to_string(options.fps) + " fps";
+        *error = "the camera has no output that runs at " + std::to_string(fps) + " fps";
         return false;
     }
     for (const auto& stream : *streams) {
@@ -77,7 +94,8 @@ int run(const Options& options) {
             return setUpError("cannot set property " + key + "=" + value);
         }
     }
-    if (options.scenario == Scenario::kHbm) requestHalBufferManager();
+    if (options.scenario == Scenario::kHbm) addVirtualCameraOption("hbm=1");
+    if (options.fps == kUnpaced) addVirtualCameraOption("unpaced=1");
 
     const bool defaultModule = options.modulePath.empty();
     const std::string modulePath = defaultModule ? defaultModulePath() : options.modulePath;
@@ -88,7 +106,7 @@ int run(const Options& options) {
     std::string error;
     std::unique_ptr<Provider> provider = Provider::load(modulePath, &error);
     if (!provider) return setUpError(error);
-    auto device = provider->device(options.cameraId);
+    std::shared_ptr<Provider::ICameraDevice> device = provider->device(options.cameraId);
     if (!device) {
         return setUpError(
                 "camera " + std::to_string(options.cameraId) +
@@ -110,7 +128,8 @@ int run(const Options& options) {
     RunPlan plan;
     plan.scenario = options.scenario;
     plan.frames = options.frames;
-    plan.fps = options.fps;
+    plan.fps = settingsFps(options);
+    plan.unpaced = options.fps == kUnpaced;
     plan.batch = batchSize(options);
     plan.depth = options.depth;
     plan.bufferLayout = options.bufferLayout;
@@ -120,6 +139,17 @@ int run(const Options& options) {
 
     auto state = std::make_shared<FrameworkState>(camera.partialResultCount, camera.halBufferManager,
                                                   plan.bufferLayout, plan.checkPatterns);
+    if (!moduleHasReadoutTimestamps(modulePath, options.cameraId)) {
+        state->setReadoutRule(ReadoutRule::kZero);
+        if (camera.readoutTimestamps) {
+            state->report(Rule::kReadoutUnsupported, std::nullopt,
+                          "the module has no readout timestamps, but the characteristics do not "
+                          "say ANDROID_SENSOR_READOUT_TIMESTAMP_NOT_SUPPORTED");
+        }
+    } else if (camera.readoutTimestamps) {
+        state->setReadoutRule(ReadoutRule::kNotBeforeShutter);
+    }
+    if (options.jsonFrames) state->recordFrames();
     SessionDriver driver(device, camera, plan, state, trace.get());
     RunOutcome outcome;
     {
@@ -139,6 +169,7 @@ int run(const Options& options) {
     report.shutterSpan = state->shutterSpan();
     report.cpu = CpuMeter::totals();
     report.violations = state->violations();
+    report.frames = state->frameRecords();
     fputs(summaryText(report).c_str(), stdout);
     fflush(stdout);
 

@@ -234,7 +234,7 @@ TEST_F(FrameworkTest, MetadataMissingFromTheQueueOrMalformedBreaksResultMetadata
     ASSERT_FALSE(violations.empty());
     EXPECT_EQ(toString(violations[0]),
               "frame 0: could not read 64 bytes of metadata from the result queue (rule: "
-              "result-metadata)");
+              "result-metadata, adapter)");
     EXPECT_EQ(std::count_if(violations.begin(), violations.end(),
                             [](const Violation& v) { return v.rule == Rule::kResultMetadata; }),
               2);

@@ -44,6 +44,16 @@ INSTANTIATE_TEST_SUITE_P(
                                   EXPECT_EQ(o.cameraId, 1);
                                   EXPECT_EQ(o.depth, 3);
                               }},
+                GoodArguments{"UnpacedLifecycleOnAnAnnouncedCamera",
+                              {"--fps", "max", "--scenario", "lifecycle", "--camera", "1000",
+                               "--json-frames"},
+                              [](const Options& o) {
+                                  EXPECT_EQ(o.fps, kUnpaced);
+                                  EXPECT_EQ(settingsFps(o), 1000);
+                                  EXPECT_EQ(o.scenario, Scenario::kLifecycle);
+                                  EXPECT_EQ(o.cameraId, 1000);
+                                  EXPECT_TRUE(o.jsonFrames);
+                              }},
                 GoodArguments{"BurstBatchesUnlessTold",
                               {"--scenario", "burst"},
                               [](const Options& o) { EXPECT_EQ(batchSize(o), 4); }},
@@ -104,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
                 BadArguments{"UnknownOption", {"--speed", "3"}, "unknown option --speed"},
                 BadArguments{"MissingValue", {"--frames"}, "--frames needs a value"},
                 BadArguments{"NotANumber", {"--fps", "30x"}, "bad value for --fps: '30x'"},
-                BadArguments{"FpsOutOfRange", {"--fps", "1001"}, "bad value for --fps: '1001'"},
+                BadArguments{"FpsOutOfRange", {"--fps", "100001"}, "bad value for --fps: '100001'"},
                 BadArguments{"NoFrames", {"--frames", "0"}, "bad value for --frames: '0'"},
                 BadArguments{"UnknownScenario",
                              {"--scenario", "soak"},

@@ -119,7 +119,7 @@ TEST(ProtocolCheckerTest, ViolationsNameFrameAndRule) {
     session.checker.error(5, -1, static_cast<int32_t>(NotifyError::kRequest));
     ASSERT_EQ(session.checker.violations().size(), 1u);
     EXPECT_EQ(toString(session.checker.violations()[0]),
-              "frame 5: unexpected ERROR_REQUEST (rule: no-device-errors)");
+              "frame 5: unexpected ERROR_REQUEST (rule: no-device-errors, module)");
 }
 
 struct Fault {
@@ -330,7 +330,9 @@ INSTANTIATE_TEST_SUITE_P(
                           Fault{"WrongPattern",
                                 [](Session& s) {
                                     s.inspect = [](int64_t, int32_t, int32_t) {
-                                        return std::optional<std::string>("holds frame 3");
+                                        return std::optional(
+                                                std::make_pair(Rule::kBufferPattern,
+                                                               std::string("holds frame 3")));
                                     };
                                     s.frame(0);
                                 },

@@ -56,6 +56,7 @@ LoopbackRun run(Scenario scenario, int32_t batch = 1, LoopbackFault fault = {}) 
     plan.batch = batch;
     plan.streams = {kPreview, kPhysical};
     plan.checkPatterns = true;
+    plan.secondSession = false;
     LoopbackRun result;
     result.device = ndk::SharedRefBase::make<LoopbackDevice>(fault);
     result.state = std::make_shared<FrameworkState>(camera.partialResultCount, false,
@@ -143,16 +144,16 @@ INSTANTIATE_TEST_SUITE_P(
                             {LoopbackFault::kWrongBufferId, 3},
                             "buffer-id",
                             "frame 3: buffer of stream 0 came back as id 101, sent as id 1 "
-                            "(rule: buffer-id)"},
+                            "(rule: buffer-id, adapter)"},
                 DeviceFault{"NoShutter",
                             {LoopbackFault::kNoShutter, 3},
                             "shutter-once",
-                            "frame 3: no shutter (rule: shutter-once)"},
+                            "frame 3: no shutter (rule: shutter-once, module)"},
                 DeviceFault{"RejectedRequest",
                             {LoopbackFault::kRejectRequest, 3},
                             "request-accepted",
                             "frame 3: processCaptureRequest failed: Status(-8, "
-                            "EX_SERVICE_SPECIFIC): '3: ' (rule: request-accepted)"}),
+                            "EX_SERVICE_SPECIFIC): '3: ' (rule: request-accepted, module)"}),
         [](const ::testing::TestParamInfo<DeviceFault>& info) { return info.param.name; });
 
 }  // namespace
