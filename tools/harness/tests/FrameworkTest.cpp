@@ -4,12 +4,15 @@
 
 #include <aidl/android/hardware/camera/device/BufferRequest.h>
 #include <gtest/gtest.h>
+#include <hardware/camera3.h>
 #include <sys/eventfd.h>
 #include <system/graphics.h>
 #include <virtual_camera/HostBuffer.h>
 #include <virtual_camera/Pattern.h>
 
 #include <algorithm>
+#include <cstring>
+#include <functional>
 #include <memory>
 #include <set>
 
@@ -118,6 +121,93 @@ protected:
     std::shared_ptr<FrameworkState> state;
     std::shared_ptr<FrameworkCallback> callback;
 };
+
+struct Jpeg {
+    const char* name;
+    std::function<void(uint8_t* data, size_t size)> write;
+    const char* problem;  // nullptr: a JPEG
+};
+
+class JpegCheckTest : public ::testing::TestWithParam<Jpeg> {};
+
+// A BLOB buffer must hold a JPEG, whatever module wrote it: patterns are not checked here.
+TEST_P(JpegCheckTest, FilledBlobBuffersHoldAJpeg) {
+    constexpr size_t kSize = 8192;
+    const StreamDescription blob{640, 480, HAL_PIXEL_FORMAT_BLOB, ""};
+    auto state = std::make_shared<FrameworkState>(1, false, BufferLayout::kSingleFd, false);
+    auto callback = ndk::SharedRefBase::make<FrameworkCallback>(state, nullptr);
+    state->configure({{0, blob, kSize, 2}});
+    auto lease = state->acquireBuffer(0, kNoWait);
+    ASSERT_TRUE(lease);
+    state->requestSubmitted({0, {{0, lease->bufferId}}, {}}, Clock::now());
+    {
+        auto mapping = virtual_camera::MappedBuffer::map(lease->handle, true);
+        ASSERT_TRUE(mapping);
+        GetParam().write(static_cast<uint8_t*>(mapping->data()), mapping->size());
+    }
+    callback->notify({NotifyMsg::make<NotifyMsg::shutter>(ShutterMsg{0, kTimestamp, 0})});
+    CaptureResult result;
+    result.partialResult = 1;
+    result.result.metadata = metadataWithTimestamp(kTimestamp);
+    result.inputBuffer.streamId = -1;
+    StreamBuffer buffer;
+    buffer.status = BufferStatus::OK;
+    result.outputBuffers.push_back(std::move(buffer));
+    std::vector<CaptureResult> results;
+    results.push_back(std::move(result));
+    callback->processCaptureResult(results);
+
+    auto violations = state->violations();
+    if (GetParam().problem == nullptr) {
+        EXPECT_TRUE(violations.empty()) << toString(violations.front());
+    } else {
+        ASSERT_EQ(violations.size(), 1u);
+        EXPECT_EQ(violations[0].rule, Rule::kJpegBlob);
+        EXPECT_NE(violations[0].what.find(GetParam().problem), std::string::npos)
+                << violations[0].what;
+    }
+}
+
+// SOI at 0, EOI right before a trailer at the end, trailer size `jpegSize`.
+void writeJpeg(uint8_t* data, size_t size, uint32_t jpegSize, uint16_t id = CAMERA3_JPEG_BLOB_ID) {
+    data[0] = 0xFF;
+    data[1] = 0xD8;
+    if (jpegSize >= 2 && jpegSize <= size) {
+        data[jpegSize - 2] = 0xFF;
+        data[jpegSize - 1] = 0xD9;
+    }
+    camera3_jpeg_blob_t blob{id, jpegSize};
+    memcpy(data + size - sizeof(blob), &blob, sizeof(blob));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+        Buffers, JpegCheckTest,
+        ::testing::Values(
+                Jpeg{"Whole", [](uint8_t* d, size_t n) { writeJpeg(d, n, 1000); }, nullptr},
+                Jpeg{"UpToTheTrailer",
+                     [](uint8_t* d, size_t n) {
+                         writeJpeg(d, n, static_cast<uint32_t>(n - sizeof(camera3_jpeg_blob_t)));
+                     },
+                     nullptr},
+                Jpeg{"NoStartOfImage",
+                     [](uint8_t* d, size_t n) {
+                         writeJpeg(d, n, 1000);
+                         d[1] = 0;
+                     },
+                     "no start of image"},
+                Jpeg{"NoEndOfImage",
+                     [](uint8_t* d, size_t n) {
+                         writeJpeg(d, n, 1000);
+                         d[999] = 0;
+                     },
+                     "no end of image"},
+                Jpeg{"WrongTrailerId", [](uint8_t* d, size_t n) { writeJpeg(d, n, 1000, 0x1234); },
+                     "trailer id"},
+                Jpeg{"SizeOverTheTrailer",
+                     [](uint8_t* d, size_t n) { writeJpeg(d, n, static_cast<uint32_t>(n)); },
+                     "trailer size"},
+                Jpeg{"Untouched", [](uint8_t*, size_t) {}, "trailer id"}),
+        [](const auto& info) { return std::string(info.param.name); });
 
 struct Written {
     const char* name;

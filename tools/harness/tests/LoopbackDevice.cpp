@@ -2,6 +2,8 @@
 
 #include <aidl/android/hardware/camera/device/BnCameraDeviceSession.h>
 #include <aidlcommonsupport/NativeHandle.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 #include <virtual_camera/HostBuffer.h>
 #include <virtual_camera/Pattern.h>
 
@@ -19,6 +21,8 @@ using Queue = android::AidlMessageQueue<int8_t, SynchronizedReadWrite>;
 constexpr size_t kQueueSize = 65536;
 constexpr int32_t kMaxBuffers = 4;
 constexpr int32_t kIllegalArgument = 3;
+constexpr int32_t kCameraInUse = 2;
+constexpr int32_t kInternalError = 6;
 
 struct HandleDeleter {
     void operator()(native_handle_t* handle) const {
@@ -35,8 +39,11 @@ public:
         : mCallback(std::move(callback)), mFault(fault), mRecord(record) {}
 
     ndk::ScopedAStatus close() override {
+        if (closedDevice()) return ndk::ScopedAStatus::fromServiceSpecificError(kInternalError);
         mRecord->buffersCachedAtClose = mCache.size();
         mCache.clear();
+        if (!mClosed) --mRecord->openSessions;
+        mClosed = true;
         return ndk::ScopedAStatus::ok();
     }
 
@@ -61,11 +68,12 @@ public:
 
     ndk::ScopedAStatus constructDefaultRequestSettings(RequestTemplate,
                                                        CameraMetadata* settings) override {
-        settings->metadata = LoopbackDevice::previewTemplate();
+        if (!closedDevice()) settings->metadata = LoopbackDevice::previewTemplate();
         return ndk::ScopedAStatus::ok();
     }
 
     ndk::ScopedAStatus flush() override {
+        if (closedDevice()) return ndk::ScopedAStatus::fromServiceSpecificError(kInternalError);
         ++mRecord->flushes;
         return ndk::ScopedAStatus::ok();
     }
@@ -114,6 +122,11 @@ public:
     }
 
 private:
+    // A guarded device answers no call once closed; kReachesAfterClose plays one that does.
+    bool closedDevice() const {
+        return mClosed && mFault.kind != LoopbackFault::kReachesAfterClose;
+    }
+
     void readSettings(const CaptureRequest& request) {
         auto read = [&](int64_t size) {
             if (size <= 0) return;
@@ -200,6 +213,7 @@ private:
     std::shared_ptr<ICameraDeviceCallback> mCallback;
     LoopbackFault mFault;
     LoopbackRecord* mRecord;
+    bool mClosed = false;
     Queue mRequestQueue{kQueueSize};
     Queue mResultQueue{kQueueSize};
     std::map<int32_t, Stream> mStreams;
@@ -211,8 +225,17 @@ private:
 
 ndk::ScopedAStatus LoopbackDevice::open(const std::shared_ptr<ICameraDeviceCallback>& callback,
                                         std::shared_ptr<ICameraDeviceSession>* session) {
+    if (mRecord.openSessions > 0) return ndk::ScopedAStatus::fromServiceSpecificError(kCameraInUse);
+    const bool keepFd = mFault.kind == LoopbackFault::kFdPerSession ||
+                        (mFault.kind == LoopbackFault::kOneTimeFd && mKeptFds.empty());
+    if (keepFd) mKeptFds.push_back(eventfd(0, EFD_CLOEXEC));
+    ++mRecord.openSessions;
     *session = ndk::SharedRefBase::make<LoopbackSession>(callback, mFault, &mRecord);
     return ndk::ScopedAStatus::ok();
+}
+
+LoopbackDevice::~LoopbackDevice() {
+    for (int fd : mKeptFds) ::close(fd);
 }
 
 ndk::ScopedAStatus LoopbackDevice::isStreamCombinationSupported(const StreamConfiguration&,

@@ -3,7 +3,9 @@
  * once, on the calling thread, the way a correct device does: a shutter, the final metadata
  * (through the result queue), and every buffer filled with the virtual camera's pattern. It reads
  * settings from the request queue, keeps the buffers it was sent by (stream, buffer id) like an
- * adapter's cache, and records what it saw. A Fault makes it break one rule on one frame.
+ * adapter's cache, and records what it saw. Like a guarded device it refuses a second open while
+ * a session is open (CAMERA_IN_USE) and answers nothing usable once closed. A Fault makes it break
+ * one rule on one frame, or misbehave across sessions.
  *
  * Calls come from the harness's submitting thread only; the records are read after the run.
  */
@@ -31,10 +33,19 @@ struct LoopbackRecord {
     size_t unknownBuffers = 0;  // ids sent without a handle that were never cached
     std::vector<std::pair<int32_t, int64_t>> cachesRemoved;
     size_t buffersCachedAtClose = 0;
+    int32_t openSessions = 0;
 };
 
 struct LoopbackFault {
-    enum Kind { kNone, kWrongBufferId, kNoShutter, kRejectRequest } kind = kNone;
+    enum Kind {
+        kNone,
+        kWrongBufferId,
+        kNoShutter,
+        kRejectRequest,
+        kOneTimeFd,          // an fd made at the first open and kept
+        kFdPerSession,       // an fd left behind by every session
+        kReachesAfterClose,  // a closed session still answers as an open one
+    } kind = kNone;
     int32_t frameNumber = -1;
 };
 
@@ -46,6 +57,7 @@ public:
     using StreamConfiguration = aidl::android::hardware::camera::device::StreamConfiguration;
 
     explicit LoopbackDevice(LoopbackFault fault = {}) : mFault(fault) {}
+    ~LoopbackDevice();
 
     ndk::ScopedAStatus open(const std::shared_ptr<ICameraDeviceCallback>& callback,
                             std::shared_ptr<ICameraDeviceSession>* session) override;
@@ -64,6 +76,7 @@ public:
 private:
     LoopbackFault mFault;
     LoopbackRecord mRecord;
+    std::vector<int> mKeptFds;  // what kOneTimeFd and kFdPerSession hold
 };
 
 }  // namespace camera_harness::testing

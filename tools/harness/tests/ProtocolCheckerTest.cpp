@@ -122,6 +122,75 @@ TEST(ProtocolCheckerTest, ViolationsNameFrameAndRule) {
               "frame 5: unexpected ERROR_REQUEST (rule: no-device-errors, module)");
 }
 
+struct Spacing {
+    const char* name;
+    int64_t minFrameDuration;
+    int64_t gap;
+    bool broken;
+};
+
+class ShutterSpacingTest : public ::testing::TestWithParam<Spacing> {};
+
+// Shutters 1000 ns apart against a minimum frame duration, with its 10% tolerance.
+TEST_P(ShutterSpacingTest, ShuttersComeNoCloserThanTheMinimumFrameDuration) {
+    Session session;
+    session.checker.configureStreams({{kLogicalStream, ""}, {kPhysicalStream, kPhysicalCamera}},
+                                     GetParam().minFrameDuration);
+    session.submit(0);
+    session.submit(1);
+    session.checker.shutter(0, 5000, Clock::now());
+    session.checker.shutter(1, 5000 + GetParam().gap, Clock::now());
+    EXPECT_EQ(session.rulesBroken().count("shutter-spacing"), GetParam().broken ? 1u : 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Gaps, ShutterSpacingTest,
+                         ::testing::Values(Spacing{"NotJudged", 0, 1, false},
+                                           Spacing{"AtTheMinimum", 1000, 1000, false},
+                                           Spacing{"WithinTolerance", 1000, 900, false},
+                                           Spacing{"BeyondTolerance", 1000, 899, true},
+                                           Spacing{"Unpaced", 4166666, 700000, true}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+struct Readout {
+    const char* name;
+    ReadoutRule rule;
+    int64_t readout;  // the shutter is at 5000
+    const char* broken;
+};
+
+class ReadoutTest : public ::testing::TestWithParam<Readout> {};
+
+TEST_P(ReadoutTest, ReadoutTimestampsAreJudgedAsTheCameraDeclaresThem) {
+    Session session;
+    session.checker.setReadoutRule(GetParam().rule);
+    session.submit(0);
+    session.checker.shutter(0, 5000, Clock::now(), GetParam().readout);
+    std::set<std::string> expected;
+    if (GetParam().broken != nullptr) expected.insert(GetParam().broken);
+    EXPECT_EQ(session.rulesBroken(), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+        Readouts, ReadoutTest,
+        ::testing::Values(Readout{"AfterStart", ReadoutRule::kNotBeforeShutter, 6000, nullptr},
+                          Readout{"AtStart", ReadoutRule::kNotBeforeShutter, 5000, nullptr},
+                          Readout{"BeforeStart", ReadoutRule::kNotBeforeShutter, 4999,
+                                  "readout-timestamp"},
+                          Readout{"ZeroWhenNotJudged", ReadoutRule::kNotJudged, 0, nullptr},
+                          Readout{"ZeroFromAModuleWithout", ReadoutRule::kZero, 0, nullptr},
+                          Readout{"GarbageFromAModuleWithout", ReadoutRule::kZero, 0x0BADF00D,
+                                  "readout-unsupported"}),
+        [](const auto& info) { return std::string(info.param.name); });
+
+TEST(ProtocolCheckerTest, ANewSessionStartsTheOrderAfresh) {
+    Session session;
+    session.frame(5);
+    session.checker.newSession();
+    session.frame(0);
+    session.checker.finish();
+    EXPECT_TRUE(session.checker.violations().empty()) << toString(session.checker.violations()[0]);
+}
+
 struct Fault {
     const char* name;
     std::function<void(Session&)> play;

@@ -48,7 +48,8 @@ struct LoopbackRun {
     }
 };
 
-LoopbackRun run(Scenario scenario, int32_t batch = 1, LoopbackFault fault = {}) {
+LoopbackRun run(Scenario scenario, int32_t batch = 1, LoopbackFault fault = {},
+                bool secondSession = false) {
     const CameraInfo camera = loopbackCamera();
     RunPlan plan;
     plan.scenario = scenario;
@@ -56,7 +57,7 @@ LoopbackRun run(Scenario scenario, int32_t batch = 1, LoopbackFault fault = {}) 
     plan.batch = batch;
     plan.streams = {kPreview, kPhysical};
     plan.checkPatterns = true;
-    plan.secondSession = false;
+    plan.secondSession = secondSession;
     LoopbackRun result;
     result.device = ndk::SharedRefBase::make<LoopbackDevice>(fault);
     result.state = std::make_shared<FrameworkState>(camera.partialResultCount, false,
@@ -155,6 +156,48 @@ INSTANTIATE_TEST_SUITE_P(
                             "frame 3: processCaptureRequest failed: Status(-8, "
                             "EX_SERVICE_SPECIFIC): '3: ' (rule: request-accepted, module)"}),
         [](const ::testing::TestParamInfo<DeviceFault>& info) { return info.param.name; });
+
+struct SessionFds {
+    const char* name;
+    LoopbackFault::Kind kind;
+    bool leak;
+};
+
+class SessionFdTest : public ::testing::TestWithParam<SessionFds> {};
+
+// What a module makes once stays after the first session; only growth per session is a leak.
+TEST_P(SessionFdTest, GrowthPerSessionIsALeakAndAOneTimeFdIsNot) {
+    LoopbackRun basic = run(Scenario::kBasic, 1, {GetParam().kind, -1}, true);
+    EXPECT_TRUE(basic.outcome.secondSession);
+    EXPECT_EQ(basic.rulesBroken().count("fd-leak"), GetParam().leak ? 1u : 0u)
+            << basic.firstViolation();
+    EXPECT_EQ(basic.rulesBroken().size(), GetParam().leak ? 1u : 0u) << basic.firstViolation();
+}
+
+INSTANTIATE_TEST_SUITE_P(Fds, SessionFdTest,
+                         ::testing::Values(SessionFds{"None", LoopbackFault::kNone, false},
+                                           SessionFds{"OneTime", LoopbackFault::kOneTimeFd, false},
+                                           SessionFds{"PerSession", LoopbackFault::kFdPerSession,
+                                                      true}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(SessionDriverTest, LifecycleReportsTheRefusedSecondOpenAndEveryTemplate) {
+    LoopbackRun lifecycle = run(Scenario::kLifecycle, 1, {}, true);
+    EXPECT_TRUE(lifecycle.rulesBroken().empty()) << lifecycle.firstViolation();
+    EXPECT_EQ(lifecycle.outcome.secondOpen, "Status(-8, EX_SERVICE_SPECIFIC): '2: '");
+    EXPECT_EQ(lifecycle.outcome.templatesSupported.size(), 6u);
+    EXPECT_EQ(lifecycle.state->snapshot().protocol.requestsCompleted, kFrames + 4);
+}
+
+TEST(SessionDriverTest, LifecycleCatchesCallsThatReachAClosedDevice) {
+    LoopbackRun lifecycle = run(Scenario::kLifecycle, 1, {LoopbackFault::kReachesAfterClose, -1});
+    EXPECT_EQ(lifecycle.rulesBroken(), std::set<std::string>{"call-after-close"});
+    size_t reached = 0;
+    for (const auto& violation : lifecycle.state->violations()) {
+        reached += violation.rule == Rule::kCallAfterClose ? 1 : 0;
+    }
+    EXPECT_EQ(reached, 3u) << "flush, the template and the second close";
+}
 
 }  // namespace
 }  // namespace camera_harness

@@ -120,7 +120,12 @@ FrameworkRecorder::FrameworkRecorder() {
         reinterpret_cast<const Holder*>(ops)->self->returnStreamBuffers(count, buffers);
     };
     mModuleHolder.self = this;
-    mModuleHolder.callbacks.camera_device_status_change = nullptr;
+    mModuleHolder.callbacks.camera_device_status_change =
+            [](const camera_module_callbacks_t* callbacks, int id, int status) {
+                auto* self = reinterpret_cast<const ModuleHolder*>(callbacks)->self;
+                std::lock_guard<std::mutex> guard(self->mLock);
+                self->mDeviceStatusEvents.emplace_back(id, status);
+            };
     mModuleHolder.callbacks.torch_mode_status_change =
             [](const camera_module_callbacks_t* callbacks, const char* id, int status) {
                 auto* self = reinterpret_cast<const ModuleHolder*>(callbacks)->self;
@@ -156,6 +161,11 @@ size_t FrameworkRecorder::returnedThroughBufferManager() const {
     return mBuffersReturned;
 }
 
+std::vector<std::pair<int, int>> FrameworkRecorder::deviceStatusEvents() const {
+    std::lock_guard<std::mutex> guard(mLock);
+    return mDeviceStatusEvents;
+}
+
 std::vector<std::pair<std::string, int>> FrameworkRecorder::torchEvents() const {
     std::lock_guard<std::mutex> guard(mLock);
     return mTorchEvents;
@@ -178,8 +188,9 @@ void FrameworkRecorder::processCaptureResult(const camera3_capture_result_t* res
     }
     if (result->result != nullptr) {
         frame.partials.push_back(result->partial_result);
-        if (result->partial_result == 2) {
-            frame.finalTimestamp = sensorTimestamp(result->result);
+        // The final result is the one with the sensor timestamp, whatever the partial count.
+        if (std::optional<int64_t> timestamp = sensorTimestamp(result->result)) {
+            frame.finalTimestamp = timestamp;
             for (uint32_t i = 0; i < result->num_physcam_metadata; ++i) {
                 frame.physicalIds.emplace_back(result->physcam_ids[i]);
                 frame.physicalTimestamps.push_back(sensorTimestamp(result->physcam_metadata[i]));

@@ -84,6 +84,7 @@ public:
     bool waitForBuffers(size_t count);
     size_t returnedThroughBufferManager() const;
     std::vector<std::pair<std::string, int>> torchEvents() const;
+    std::vector<std::pair<int, int>> deviceStatusEvents() const;
     const camera_module_callbacks_t* moduleCallbacks() const { return &mModuleHolder.callbacks; }
 
     // HAL buffer manager behaviour: the overall status to answer with (OK serves buffers) and a
@@ -119,6 +120,7 @@ private:
     size_t mBuffersInResults = 0;
     size_t mBuffersReturned = 0;
     std::vector<std::pair<std::string, int>> mTorchEvents;
+    std::vector<std::pair<int, int>> mDeviceStatusEvents;
     camera3_buffer_request_status_t mRequestStatus = CAMERA3_BUF_REQ_OK;
     camera3_stream_t* mFailedStream = nullptr;
     camera3_stream_buffer_req_status_t mFailedStreamStatus = CAMERA3_PS_BUF_REQ_OK;
