@@ -251,7 +251,7 @@ LatencySeries FrameworkState::finalLatency() const {
     return mChecker.finalLatency();
 }
 
-std::optional<std::pair<int64_t, int64_t>> FrameworkState::shutterSpan() const {
+std::optional<ShutterSpan> FrameworkState::shutterSpan() const {
     std::lock_guard lock(mLock);
     return mChecker.shutterSpan();
 }

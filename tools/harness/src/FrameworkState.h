@@ -117,7 +117,7 @@ public:
     std::vector<Violation> violations() const;
     LatencySeries shutterLatency() const;
     LatencySeries finalLatency() const;
-    std::optional<std::pair<int64_t, int64_t>> shutterSpan() const;
+    std::optional<ShutterSpan> shutterSpan() const;
     std::vector<FrameRecord> frameRecords() const;
 
 private:

@@ -37,6 +37,7 @@ void ProtocolChecker::configureStreams(const std::vector<CheckedStream>& streams
 }
 
 void ProtocolChecker::newSession() {
+    mSpanClosed = true;
     mLastShutterFrame.reset();
     mLastShutterTimestamp.reset();
     mLastFinalFrame.reset();
@@ -137,7 +138,10 @@ void ProtocolChecker::shutter(int32_t frameNumber, int64_t timestamp, Clock::tim
     frame->record.shutterLatencyNs = (when - frame->submitted).count();
     mLastShutterFrame = frameNumber;
     mLastShutterTimestamp = timestamp;
-    if (!mFirstShutterTimestamp) mFirstShutterTimestamp = timestamp;
+    if (!mSpanClosed) {
+        if (mSpan.shutters++ == 0) mSpan.first = timestamp;
+        mSpan.last = timestamp;
+    }
     mShutterLatency.add(when - frame->submitted);
 }
 
@@ -527,9 +531,9 @@ void ProtocolChecker::report(Rule rule, std::optional<int32_t> frameNumber, std:
     mViolations.push_back(Violation{rule, frameNumber, std::move(what)});
 }
 
-std::optional<std::pair<int64_t, int64_t>> ProtocolChecker::shutterSpan() const {
-    if (!mFirstShutterTimestamp || !mLastShutterTimestamp) return std::nullopt;
-    return std::make_pair(*mFirstShutterTimestamp, *mLastShutterTimestamp);
+std::optional<ShutterSpan> ProtocolChecker::shutterSpan() const {
+    if (mSpan.shutters == 0) return std::nullopt;
+    return mSpan;
 }
 
 }  // namespace camera_harness

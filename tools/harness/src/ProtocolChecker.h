@@ -87,6 +87,13 @@ struct ProtocolCounters {
     int64_t errorBuffer = 0;
 };
 
+// The shutters of the first session, for the frame rate achieved.
+struct ShutterSpan {
+    int64_t first = 0;
+    int64_t last = 0;
+    int64_t shutters = 0;
+};
+
 // One completed frame, for a per-frame report.
 struct FrameRecord {
     int32_t frameNumber = 0;
@@ -161,8 +168,7 @@ public:
     const LatencySeries& shutterLatency() const { return mShutterLatency; }
     const LatencySeries& finalLatency() const { return mFinalLatency; }
     const std::vector<FrameRecord>& frameRecords() const { return mFrameRecords; }
-    // Shutter timestamps of the first and last shutters, for the frame rate achieved.
-    std::optional<std::pair<int64_t, int64_t>> shutterSpan() const;
+    std::optional<ShutterSpan> shutterSpan() const;
 
 private:
     struct Slot {
@@ -204,7 +210,8 @@ private:
     std::map<int64_t, int32_t> mHeldBuffers;  // handed out through the buffer manager: id to stream
     std::set<int64_t> mCameBack;              // buffer-manager ids that came back at least once
     std::optional<int32_t> mLastShutterFrame;
-    std::optional<int64_t> mFirstShutterTimestamp;
+    ShutterSpan mSpan;
+    bool mSpanClosed = false;  // a second session does not count
     std::optional<int64_t> mLastShutterTimestamp;
     int64_t mMinFrameDurationNs = 0;
     ReadoutRule mReadoutRule = ReadoutRule::kNotJudged;

@@ -54,10 +54,11 @@ void writeLatency(JsonWriter& json, const char* name, const LatencySeries& serie
 }  // namespace
 
 double RunReport::measuredFps() const {
-    const int64_t shutters = state.protocol.shutters;
-    if (!shutterSpan || shutters < 2 || shutterSpan->second <= shutterSpan->first) return 0;
-    return static_cast<double>(shutters - 1) * 1e9 /
-           static_cast<double>(shutterSpan->second - shutterSpan->first);
+    if (!shutterSpan || shutterSpan->shutters < 2 || shutterSpan->last <= shutterSpan->first) {
+        return 0;
+    }
+    return static_cast<double>(shutterSpan->shutters - 1) * 1e9 /
+           static_cast<double>(shutterSpan->last - shutterSpan->first);
 }
 
 double RunReport::adapterCpuPerFrameUs() const {

@@ -27,12 +27,12 @@ struct RunReport {
     StateSnapshot state;
     LatencySeries shutterLatency;
     LatencySeries finalLatency;
-    std::optional<std::pair<int64_t, int64_t>> shutterSpan;
+    std::optional<ShutterSpan> shutterSpan;
     CpuMeter::Totals cpu;
     std::vector<Violation> violations;
     std::vector<FrameRecord> frames;  // with --json-frames
 
-    // Frames per second over the shutter timestamps; 0 with fewer than two shutters.
+    // Frames per second over the first session's shutter timestamps; 0 with fewer than two.
     double measuredFps() const;
     // Adapter CPU time per completed request, in microseconds.
     double adapterCpuPerFrameUs() const;
