@@ -47,8 +47,8 @@ std::vector<CameraDescription> physicalCameraDescriptions(const CameraDescriptio
             {logical.physicalIds[1], CAMERA_FACING_BACK, 90, false, true, {kTeleFocalLength}, {}}};
 }
 
-// Like a module that starts a worker on first use and keeps it (and its fd) for the life of the
-// process: a legacy module has no call that would end it.
+// Like a module that starts a worker at its first open and keeps it (and its fd) for the life of
+// the process: a legacy module has no call that would end it.
 void startBackgroundThread() {
     static std::once_flag started;
     std::call_once(started, [] {
@@ -130,7 +130,6 @@ void VirtualCameraModule::loadLocked() {
                                                {kFrontFocalLength},
                                                {}}));
     }
-    if (mOptions.backgroundThread) startBackgroundThread();
     mLoaded = true;
     ALOGI("%d cameras, HAL buffer manager %s", mOptions.cameras,
           mOptions.halBufferManager ? "on" : "off");
@@ -233,6 +232,7 @@ int VirtualCameraModule::open(const char* cameraId, hw_device_t** device) {
             return -EUSERS;
         }
     }
+    if (options.backgroundThread) startBackgroundThread();
     int status = cameraDevice->open(options, device);
     if (status != 0) ALOGE("open of camera %s failed: %s", cameraId, strerror(-status));
     return status;
