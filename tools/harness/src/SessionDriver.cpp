@@ -32,6 +32,7 @@ using aidl::android::hardware::camera::device::StreamConfigurationMode;
 using aidl::android::hardware::camera::device::StreamRotation;
 using aidl::android::hardware::camera::device::StreamType;
 using aidl::android::hardware::common::NativeHandle;
+using CameraStatus = aidl::android::hardware::camera::common::Status;
 namespace gc = aidl::android::hardware::graphics::common;
 namespace cm = aidl::android::hardware::camera::metadata;
 
@@ -43,9 +44,6 @@ constexpr int32_t kSettingsEvery = 4;
 constexpr int32_t kFlushes = 4;
 // Requests of the second session, which only shows whether descriptors grow per session.
 constexpr int32_t kSecondSessionFrames = 4;
-// What a call that reached the legacy device may answer: anything but OK after close.
-constexpr auto kStatusNotSupported =
-        aidl::android::hardware::camera::common::Status::OPERATION_NOT_SUPPORTED;
 
 size_t countOpenFds() {
     std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir("/proc/self/fd"), closedir);
@@ -161,7 +159,11 @@ void SessionDriver::openAgain() {
         status = mDevice->open(callback, &second);
     }
     if (!status.isOk()) {
-        mOutcome.secondOpen = status.getDescription();
+        const int32_t code = status.getServiceSpecificError();
+        mOutcome.secondOpen =
+                "refused: " + (code != 0 ? aidl::android::hardware::camera::common::toString(
+                                                   static_cast<CameraStatus>(code))
+                                         : status.getDescription());
         return;
     }
     // A module may allow it; the framework then has two sessions and closes the second.
@@ -530,7 +532,8 @@ void SessionDriver::reconfigure() {
         params.metadata = mSettings->sessionParameters;
         // OPERATION_NOT_SUPPORTED: the device cannot tell, so the framework reconfigures.
         ndk::ScopedAStatus status = mSession->isReconfigurationRequired(params, params, &required);
-        if (status.getServiceSpecificError() != static_cast<int32_t>(kStatusNotSupported)) {
+        if (status.getServiceSpecificError() !=
+            static_cast<int32_t>(CameraStatus::OPERATION_NOT_SUPPORTED)) {
             check(status, "isReconfigurationRequired");
         }
     }

@@ -184,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(Fds, SessionFdTest,
 TEST(SessionDriverTest, LifecycleReportsTheRefusedSecondOpenAndEveryTemplate) {
     LoopbackRun lifecycle = run(Scenario::kLifecycle, 1, {}, true);
     EXPECT_TRUE(lifecycle.rulesBroken().empty()) << lifecycle.firstViolation();
-    EXPECT_EQ(lifecycle.outcome.secondOpen, "Status(-8, EX_SERVICE_SPECIFIC): '2: '");
+    EXPECT_EQ(lifecycle.outcome.secondOpen, "refused: CAMERA_IN_USE");
     EXPECT_EQ(lifecycle.outcome.templatesSupported.size(), 6u);
     EXPECT_EQ(lifecycle.state->snapshot().protocol.requestsCompleted, kFrames + 4);
 }
