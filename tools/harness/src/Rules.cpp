@@ -58,6 +58,8 @@ constexpr RuleText kRules[] = {
         {"call-status", "session and device calls succeed", kAdapter},
         {"no-callback-after-close", "no callback once close has returned", kAdapter},
         {"call-after-close", "session calls after close do not reach the legacy device", kAdapter},
+        {"second-open", "a second open of an open camera answers a status and the provider lives",
+         kAdapter},
         {"fd-leak", "no file descriptors left over by a session after the module's first", kAdapter},
 };
 static_assert(std::size(kRules) == static_cast<size_t>(Rule::kCount));

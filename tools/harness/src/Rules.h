@@ -40,6 +40,7 @@ enum class Rule {
     kCallStatus,
     kNoCallbackAfterClose,
     kCallAfterClose,
+    kSecondOpen,
     kFdLeak,
     kCount,
 };

@@ -5,11 +5,17 @@
 #include <aidl/android/hardware/camera/metadata/RequestAvailableColorSpaceProfilesMap.h>
 #include <aidlcommonsupport/NativeHandle.h>
 #include <dirent.h>
+#include <signal.h>
 #include <sys/eventfd.h>
+#include <sys/wait.h>
 #include <system/graphics.h>
+#include <unistd.h>
 #include <virtual_camera/HostBuffer.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <thread>
 
 #include "CpuMeter.h"
 #include "FrameworkCallback.h"
@@ -149,7 +155,46 @@ void SessionDriver::secondSession() {
     release();
 }
 
+bool SessionDriver::secondOpenSurvives() {
+    // Sanitizers turn a crash into their own exit status; this one says open returned.
+    constexpr int kReturned = 42;
+    constexpr auto kPatience = std::chrono::seconds(5);
+    fflush(nullptr);
+    pid_t child = fork();
+    if (child == 0) {
+        auto callback = ndk::SharedRefBase::make<FrameworkCallback>(mState, nullptr);
+        std::shared_ptr<ICameraDeviceSession> second;
+        (void)mDevice->open(callback, &second);
+        _exit(kReturned);
+    }
+    if (child < 0) return true;  // no probe: the open below tells
+    int status = 0;
+    const auto deadline = Clock::now() + kPatience;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (Clock::now() > deadline) {
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            mState->report(Rule::kSecondOpen, std::nullopt,
+                           "a second open did not return within 5 s");
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    if (WIFEXITED(status) && WEXITSTATUS(status) == kReturned) return true;
+    mState->report(Rule::kSecondOpen, std::nullopt,
+                   WIFSIGNALED(status) ? "a second open ended the provider: " +
+                                                 std::string(strsignal(WTERMSIG(status)))
+                                       : "a second open ended the provider with exit status " +
+                                                 std::to_string(WEXITSTATUS(status)));
+    return false;
+}
+
 void SessionDriver::openAgain() {
+    // Tried in a child first: a crash there is reported, not suffered.
+    if (!secondOpenSurvives()) {
+        mOutcome.secondOpen = "crashed";
+        return;
+    }
     auto callback = ndk::SharedRefBase::make<FrameworkCallback>(mState, mTrace);
     std::shared_ptr<ICameraDeviceSession> second;
     ndk::ScopedAStatus status;

@@ -96,6 +96,8 @@ private:
     // lifecycle: a second open while the first session is open, every request template, and
     // calls on the closed session.
     void openAgain();
+    // False (reported) when a second open ends or hangs a child process that tries it first.
+    bool secondOpenSurvives();
     void queryTemplates();
     void callsAfterClose();
     void secondSession();
