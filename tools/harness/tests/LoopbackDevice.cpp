@@ -7,6 +7,8 @@
 #include <virtual_camera/HostBuffer.h>
 #include <virtual_camera/Pattern.h>
 
+#include <cstdlib>
+
 #include "Metadata.h"
 
 namespace camera_harness::testing {
@@ -225,7 +227,10 @@ private:
 
 ndk::ScopedAStatus LoopbackDevice::open(const std::shared_ptr<ICameraDeviceCallback>& callback,
                                         std::shared_ptr<ICameraDeviceSession>* session) {
-    if (mRecord.openSessions > 0) return ndk::ScopedAStatus::fromServiceSpecificError(kCameraInUse);
+    if (mRecord.openSessions > 0) {
+        if (mFault.kind == LoopbackFault::kCrashOnSecondOpen) abort();
+        return ndk::ScopedAStatus::fromServiceSpecificError(kCameraInUse);
+    }
     const bool keepFd = mFault.kind == LoopbackFault::kFdPerSession ||
                         (mFault.kind == LoopbackFault::kOneTimeFd && mKeptFds.empty());
     if (keepFd) mKeptFds.push_back(eventfd(0, EFD_CLOEXEC));

@@ -45,6 +45,7 @@ struct LoopbackFault {
         kOneTimeFd,          // an fd made at the first open and kept
         kFdPerSession,       // an fd left behind by every session
         kReachesAfterClose,  // a closed session still answers as an open one
+        kCrashOnSecondOpen,  // a second open ends the process, as a device over a null one does
     } kind = kNone;
     int32_t frameNumber = -1;
 };

@@ -189,6 +189,13 @@ TEST(SessionDriverTest, LifecycleReportsTheRefusedSecondOpenAndEveryTemplate) {
     EXPECT_EQ(lifecycle.state->snapshot().protocol.requestsCompleted, kFrames + 4);
 }
 
+TEST(SessionDriverTest, LifecycleLivesToReportASecondOpenThatCrashes) {
+    LoopbackRun lifecycle = run(Scenario::kLifecycle, 1, {LoopbackFault::kCrashOnSecondOpen, -1});
+    EXPECT_EQ(lifecycle.rulesBroken(), std::set<std::string>{"second-open"});
+    EXPECT_EQ(lifecycle.outcome.secondOpen, "crashed");
+    EXPECT_EQ(lifecycle.state->snapshot().protocol.requestsCompleted, kFrames);
+}
+
 TEST(SessionDriverTest, LifecycleCatchesCallsThatReachAClosedDevice) {
     LoopbackRun lifecycle = run(Scenario::kLifecycle, 1, {LoopbackFault::kReachesAfterClose, -1});
     EXPECT_EQ(lifecycle.rulesBroken(), std::set<std::string>{"call-after-close"});
