@@ -175,6 +175,7 @@ void Aidl2LegacyCameraDeviceCallback::convertCaptureResult(const camera3_capture
         convertReturnedBuffer(in.output_buffers[i], out.outputBuffers[i]);
     }
 
+    if (!log::willWrite(kLogModule, log::Kind::kInfo)) return;
     std::string summary = "frameNumber:" + std::to_string(out.frameNumber) +
                           " partialResult:" + std::to_string(out.partialResult) + " phyResultCamId:";
     for (const PhysicalCameraMetadata& physical : out.physicalCameraMetadata) {
@@ -254,8 +255,9 @@ void Aidl2LegacyCameraDeviceCallback::convertNotifyMsg(const camera3_notify_msg&
                      __func__, static_cast<unsigned int>(in.type));
             break;
     }
-    const std::string text = out.toString();
-    if (mLogLevel >= 3) A2L_LOGD("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
+    if (mLogLevel >= 3 && log::willWrite(kLogModule, log::Kind::kDebug)) {
+        A2L_LOGD("[%s::%s] %s", mName.c_str(), __func__, out.toString().c_str());
+    }
 }
 
 Aidl2LegacyCameraDeviceCallback::ErrorMsg Aidl2LegacyCameraDeviceCallback::convertErrorMsg(
@@ -371,7 +373,7 @@ camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuff
     }
     waitForValidBuffers(requests);
 
-    if (mLogLevel >= 1) {
+    if (mLogLevel >= 1 && log::willWrite(kLogModule, log::Kind::kInfo)) {
         std::string text = "[HBM] framework requestStreamBuffers +, ";
         for (const BufferRequest& request : requests) text += request.toString() + ", ";
         A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
@@ -382,7 +384,7 @@ camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuff
     std::vector<StreamBufferRet> answers;
     BufferRequestStatus overall = BufferRequestStatus::OK;
     ndk::ScopedAStatus status = mCallback->requestStreamBuffers(requests, &answers, &overall);
-    if (mLogLevel >= 1) {
+    if (mLogLevel >= 1 && log::willWrite(kLogModule, log::Kind::kInfo)) {
         std::string text =
                 "[HBM] framework requestStreamBuffers -, BufferRequestStatus:" + toString(overall) +
                 ", ";
@@ -548,14 +550,18 @@ void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const StreamBuffer& in
 
 void Aidl2LegacyCameraDeviceCallback::returnStreamBuffers(
         uint32_t num_buffers, const camera3_stream_buffer* const* buffers) {
-    std::string text = "[HBM] framework returnStreamBuffers +, ";
     std::vector<StreamBuffer> returned(num_buffers);
     for (uint32_t i = 0; i < num_buffers; ++i) {
         convertReturnedBuffer(*buffers[i], returned[i]);
-        text += returned[i].toString();
-        text += ", ";
     }
-    A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
+    if (log::willWrite(kLogModule, log::Kind::kInfo)) {
+        std::string text = "[HBM] framework returnStreamBuffers +, ";
+        for (const StreamBuffer& buffer : returned) {
+            text += buffer.toString();
+            text += ", ";
+        }
+        A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, text.c_str());
+    }
     if (mCallback == nullptr) {
         A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
     }

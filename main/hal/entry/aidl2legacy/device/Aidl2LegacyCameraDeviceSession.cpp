@@ -215,8 +215,10 @@ ndk::ScopedAStatus Aidl2LegacyCameraDeviceSession::getCaptureResultMetadataQueue
 ndk::ScopedAStatus Aidl2LegacyCameraDeviceSession::configureStreams(
         const StreamConfiguration& requestedConfiguration, std::vector<HalStream>* halStreams) {
     if (halStreams == nullptr) return convertStatus(-EINVAL);
-    for (const Stream& stream : requestedConfiguration.streams) {
-        A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, stream.toString().c_str());
+    if (log::willWrite(kLogModule, log::Kind::kInfo)) {
+        for (const Stream& stream : requestedConfiguration.streams) {
+            A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, stream.toString().c_str());
+        }
     }
     {
         std::lock_guard<std::mutex> guard(mLock);
@@ -252,8 +254,10 @@ ndk::ScopedAStatus Aidl2LegacyCameraDeviceSession::configureStreams(
     mDeviceCallback->setStreamMap(mStreamMap);
 
     convertHalStreamConfiguration(configuration, *halStreams);
-    for (const HalStream& halStream : *halStreams) {
-        A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, halStream.toString().c_str());
+    if (log::willWrite(kLogModule, log::Kind::kInfo)) {
+        for (const HalStream& halStream : *halStreams) {
+            A2L_LOGI("[%s::%s] %s", mName.c_str(), __func__, halStream.toString().c_str());
+        }
     }
     return convertStatus(result);
 }

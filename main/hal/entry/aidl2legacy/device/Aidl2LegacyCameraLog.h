@@ -54,6 +54,26 @@ inline bool warningEnabled() {
     return ULogger::sDetailsLevel >= ULogger::kLevelWarning;
 }
 
+enum class Kind { kDebug, kInfo, kWarning };
+
+// Whether a message of `kind` from `module` reaches a sink: its gate passes and sMode selects
+// the Android log or the unified logger. Call sites ask it before building a text that exists
+// only for that message.
+inline bool willWrite(const Module& module, Kind kind) {
+    if ((ULogger::sMode & (ULogger::kModeAndroidLog | ULogger::kModeULoggerMask)) == 0) {
+        return false;
+    }
+    switch (kind) {
+        case Kind::kDebug:
+            return debugEnabled(module);
+        case Kind::kInfo:
+            return infoEnabled(module);
+        case Kind::kWarning:
+            return warningEnabled();
+    }
+    return false;
+}
+
 // Debug, info and warning messages: the same format to both sinks.
 void write(const Module& module, int priority, uint32_t level, const char* format, ...)
         __attribute__((format(printf, 4, 5)));

@@ -81,6 +81,14 @@ protected:
         }
         return result;
     }
+    // Texts that start with `prefix`, as the Android log received them.
+    std::vector<std::string> androidLogsStartingWith(const std::string& prefix) {
+        std::vector<std::string> result;
+        for (const auto& line : mAndroidLog.lines()) {
+            if (line.text.rfind(prefix, 0) == 0) result.push_back(line.text);
+        }
+        return result;
+    }
     void clearLogs() {
         mULog.logger().clear();
         mAndroidLog.clear();
