@@ -16,12 +16,29 @@
 #include <cstdint>
 #include <utility>
 
+#include "ThreadScratch.h"
+
 namespace kovo::aidl2legacy {
 
 using aidl::android::hardware::camera::device::BufferStatus;
 using aidl::android::hardware::camera::device::ErrorCode;
 using aidl::android::hardware::camera::device::StreamBuffersVal;
 using aidl::android::hardware::common::NativeHandle;
+
+namespace {
+
+// The containers of the per-frame framework calls, one set per device thread.
+struct ResultsTag;
+struct NotifyTag;
+struct BufferRequestsTag;
+struct ReturnedBuffersTag;
+
+// Closes the release fences adopted into `buffer` and keeps its capacity.
+void closeReleaseFence(aidl::android::hardware::camera::device::StreamBuffer& buffer) {
+    buffer.releaseFence.fds.clear();
+}
+
+}  // namespace
 
 std::shared_ptr<Aidl2LegacyCameraDeviceCallback> Aidl2LegacyCameraDeviceCallback::create(
         const CreationInfo& info) {
@@ -133,12 +150,20 @@ void Aidl2LegacyCameraDeviceCallback::processCaptureResult(const camera3_capture
         A2L_LOGE("[%s::%s] camera3_capture_result invalid", mName.c_str(), __func__);
         return;
     }
-    std::vector<CaptureResult> results(1);
+    ThreadScratch<std::vector<CaptureResult>, ResultsTag> scratch;
+    std::vector<CaptureResult>& results = scratch.get();
+    results.resize(1);
+    // Nothing of the previous result on this thread may show: its fences are closed already,
+    // and this is the one field the conversion leaves alone without an input buffer.
+    results[0].inputBuffer = StreamBuffer{};
     convertCaptureResult(*result, results[0]);
     if (mCallback == nullptr) {
         A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
     }
     ndk::ScopedAStatus status = mCallback->processCaptureResult(results);
+    // The adopted fences close right after the call, whatever it answered.
+    closeReleaseFence(results[0].inputBuffer);
+    for (StreamBuffer& buffer : results[0].outputBuffers) closeReleaseFence(buffer);
     if (!status.isOk()) {
         // The ids were popped already; without the framework's word the credit stays taken.
         A2L_LOGE("[%s::%s] processCaptureResult transaction failed: %s.", mName.c_str(), __func__,
@@ -229,7 +254,10 @@ void Aidl2LegacyCameraDeviceCallback::notify(const camera3_notify_msg* msg) {
         return;
     }
     // A message of unknown type still goes out, as the default (zero error) message.
-    std::vector<NotifyMsg> msgs(1);
+    ThreadScratch<std::vector<NotifyMsg>, NotifyTag> scratch;
+    std::vector<NotifyMsg>& msgs = scratch.get();
+    msgs.resize(1);
+    msgs[0] = NotifyMsg{};
     convertNotifyMsg(*msg, msgs[0]);
     if (mCallback == nullptr) {
         A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
@@ -302,7 +330,7 @@ bool Aidl2LegacyCameraDeviceCallback::BufferComparator::operator()(const native_
 void Aidl2LegacyCameraDeviceCallback::pushBufferId(const native_handle* const& handle,
                                                    uint64_t bufferId, int streamId) {
     std::lock_guard<std::mutex> guard(mBufferIdLock);
-    BufferIdMap& ids = mBufferIdMap.emplace(streamId, BufferIdMap{}).first->second;
+    BufferIdMap& ids = mBufferIdMap.try_emplace(streamId).first->second;
     // An equal key already present keeps its first handle pointer; only the id changes.
     ids[handle] = bufferId;
 }
@@ -367,7 +395,9 @@ camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuff
         uint32_t num_buffer_reqs, const camera3_buffer_request* buffer_reqs,
         uint32_t* num_returned_buf_reqs, camera3_stream_buffer_ret* returned_buf_reqs) {
     *num_returned_buf_reqs = 0;
-    std::vector<BufferRequest> requests(num_buffer_reqs);
+    ThreadScratch<std::vector<BufferRequest>, BufferRequestsTag> scratch;
+    std::vector<BufferRequest>& requests = scratch.get();
+    requests.resize(num_buffer_reqs);
     for (uint32_t i = 0; i < num_buffer_reqs; ++i) {
         convertBufferRequest(buffer_reqs[i], requests[i]);
     }
@@ -550,7 +580,9 @@ void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const StreamBuffer& in
 
 void Aidl2LegacyCameraDeviceCallback::returnStreamBuffers(
         uint32_t num_buffers, const camera3_stream_buffer* const* buffers) {
-    std::vector<StreamBuffer> returned(num_buffers);
+    ThreadScratch<std::vector<StreamBuffer>, ReturnedBuffersTag> scratch;
+    std::vector<StreamBuffer>& returned = scratch.get();
+    returned.resize(num_buffers);
     for (uint32_t i = 0; i < num_buffers; ++i) {
         convertReturnedBuffer(*buffers[i], returned[i]);
     }
@@ -566,6 +598,7 @@ void Aidl2LegacyCameraDeviceCallback::returnStreamBuffers(
         A2L_FATAL("[%s::%s] CameraDeviceCallback is null", mName.c_str(), __func__);
     }
     ndk::ScopedAStatus status = mCallback->returnStreamBuffers(returned);
+    for (StreamBuffer& buffer : returned) closeReleaseFence(buffer);
     A2L_LOGI("[%s::%s] [HBM] framework returnStreamBuffers -", mName.c_str(), __func__);
     if (!status.isOk()) {
         // The popped ids are gone; the credit stays taken.

@@ -13,6 +13,7 @@
 #include <cerrno>
 
 #include "Aidl2LegacyCameraDeviceCallback.h"
+#include "ThreadScratch.h"
 
 // The error logs of a legacy entry that cannot be called: that the operations are invalid, the
 // device when there is one, and the ops table with the entry (`opsFormat` names the entry) when
@@ -34,6 +35,14 @@ namespace kovo::aidl2legacy {
 
 using aidl::android::hardware::camera::device::Stream;
 using aidl::android::hardware::common::NativeHandle;
+
+namespace {
+
+// The per-request containers, one set per binder thread.
+struct OutputBuffersTag;
+struct SettingsTag;
+
+}  // namespace
 
 Aidl2LegacyCameraDeviceSession::MetadataReleaser::~MetadataReleaser() {
     releaseAll();
@@ -321,14 +330,14 @@ ndk::ScopedAStatus Aidl2LegacyCameraDeviceSession::processCaptureRequest(
     }
 
     if (status == 0) {
+        // A request without imported buffers resolves none of its buffer ids.
+        static const RequestBufferCache kNoBuffers{};
         for (const CaptureRequest& request : requests) {
-            RequestBufferCache cache;
             const auto found = std::find_if(caches.begin(), caches.end(),
                                             [&request](const RequestBufferCache& candidate) {
                                                 return candidate.frameNumber == request.frameNumber;
                                             });
-            if (found != caches.end()) cache = *found;
-            status = processOneCaptureRequest(cache, request);
+            status = processOneCaptureRequest(found != caches.end() ? *found : kNoBuffers, request);
             // A failed request leaves the caller's count as it was.
             if (status != 0) break;
         }
@@ -374,7 +383,9 @@ int32_t Aidl2LegacyCameraDeviceSession::processOneCaptureRequest(const RequestBu
         convertStreamBuffer(cache, request.inputBuffer, inputBuffer);
         record.input_buffer = &inputBuffer;
     }
-    std::vector<camera3_stream_buffer> outputBuffers(request.outputBuffers.size());
+    ThreadScratch<std::vector<camera3_stream_buffer>, OutputBuffersTag> scratch;
+    std::vector<camera3_stream_buffer>& outputBuffers = scratch.get();
+    outputBuffers.assign(request.outputBuffers.size(), camera3_stream_buffer{});
     for (size_t k = 0; k < outputBuffers.size(); ++k) {
         convertStreamBuffer(cache, request.outputBuffers[k], outputBuffers[k]);
     }
@@ -407,7 +418,12 @@ int32_t Aidl2LegacyCameraDeviceSession::convertMetadataFromFmq(int64_t fmqSettin
     // bogus size cannot ask for an absurd buffer.
     const bool fits =
             mRequestMetadataQueue == nullptr || size <= mRequestMetadataQueue->availableToRead();
-    std::vector<int8_t> buffer(fits ? size : 0);
+    // The bytes are copied out of the shared queue before they are validated, so the framework
+    // cannot change them between validation and clone. The copy's buffer keeps its capacity.
+    ThreadScratch<std::vector<int8_t>, SettingsTag> scratch;
+    std::vector<int8_t>& buffer = scratch.get();
+    if (fits && buffer.size() < size) buffer.resize(size);
+    if (fits && mRequestMetadataQueue == nullptr) std::fill_n(buffer.begin(), size, 0);
     if (!fits ||
         (mRequestMetadataQueue != nullptr && !mRequestMetadataQueue->read(buffer.data(), size))) {
         A2L_LOGE("[%s::%s] Failed to read from request metadata queue.", mName.c_str(), __func__);

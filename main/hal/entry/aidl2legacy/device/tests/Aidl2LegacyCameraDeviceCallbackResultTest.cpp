@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "CallbackTestSupport.h"
@@ -224,6 +225,75 @@ TEST_F(ResultTest, ResultAndNotifyEachOpenAndCloseTheirTraceSection) {
     using Kind = android::testing::TraceEventKind;
     EXPECT_THAT(events, ElementsAre(Pair(Kind::Begin, "notify"), Pair(Kind::End, ""),
                                     Pair(Kind::Begin, "processCaptureResult"), Pair(Kind::End, "")));
+}
+
+// The containers of one call are kept for the next on the same thread: nothing of a full result
+// or a shutter may show in a bare result or an unknown message that follows.
+TEST_F(ResultTest, EachCallStartsFromNothingOfThePreviousOne) {
+    MetadataPtr metadata = makeMetadata(1, 100);
+    const char* ids[] = {"cam2", "cam3"};
+    const camera_metadata_t* physicalMetadata[] = {metadata.get(), nullptr};
+    DeviceBuffer input(40), first(41), second(42), bare(43);
+    mBridge->pushBufferId(first.key(), 77, 5);
+    mBridge->pushBufferId(second.key(), 78, 9);
+    camera3_stream_buffer inputBuffer = deviceBuffer(9, input, makeFence());
+    camera3_stream_buffer outputs[] = {deviceBuffer(5, first, makeFence()),
+                                       deviceBuffer(9, second, makeFence())};
+    send({7, metadata.get(), 2, outputs, &inputBuffer, 2, 2, ids, physicalMetadata});
+    camera3_stream_buffer bareOutput = deviceBuffer(5, bare);
+    send({8, nullptr, 1, &bareOutput, nullptr, 1, 0, nullptr, nullptr});
+
+    std::vector<Framework::RecordedResult> received = mFramework->results();
+    ASSERT_EQ(2u, received.size());
+    const Framework::RecordedResult& got = received[1];
+    EXPECT_EQ(8, got.frameNumber);
+    EXPECT_EQ(0, got.metadata.fmqSize);
+    EXPECT_THAT(got.metadata.bytes, IsEmpty());
+    EXPECT_THAT(got.physicalMetadata, IsEmpty());
+    EXPECT_EQ(-1, got.inputBuffer.streamId);
+    EXPECT_EQ(0, got.inputBuffer.bufferId);
+    EXPECT_EQ(Framework::BufferStatus::OK, got.inputBuffer.status);
+    EXPECT_THAT(got.inputBuffer.releaseFenceFds, IsEmpty());
+    ASSERT_EQ(1u, got.outputBuffers.size());
+    EXPECT_EQ(0, got.outputBuffers[0].bufferId);
+    EXPECT_THAT(got.outputBuffers[0].releaseFenceFds, IsEmpty());
+    for (const camera3_stream_buffer& buffer : {inputBuffer, outputs[0], outputs[1]}) {
+        EXPECT_FALSE(isOpen(buffer.release_fence));
+    }
+
+    camera3_notify_msg shutter{CAMERA3_MSG_SHUTTER, {.shutter = {1, 2, 3}}};
+    camera3_notify_msg unknown{};
+    unknown.type = 0x1f;
+    ops()->notify(ops(), &shutter);
+    ops()->notify(ops(), &unknown);
+    EXPECT_THAT(mFramework->notifications(),
+                ElementsAre(Callback::NotifyMsg(ShutterMsg{1, 2, 3}), Callback::NotifyMsg{}));
+}
+
+// A framework that answers a shutter by making the device send another one on the same thread:
+// the inner call must not overwrite the message the outer call is delivering.
+class ReenteringFramework : public Framework {
+public:
+    ndk::ScopedAStatus notify(const std::vector<NotifyMsg>& msgs) override {
+        if (mBridge != nullptr) {
+            const camera3_callback_ops* ops = std::exchange(mBridge, nullptr);
+            camera3_notify_msg inner{CAMERA3_MSG_ERROR, {.error = {9, nullptr, 4}}};
+            ops->notify(ops, &inner);
+        }
+        return Framework::notify(msgs);
+    }
+    const camera3_callback_ops* mBridge = nullptr;
+};
+
+TEST_F(ResultTest, ANotificationSentFromInsideTheFrameworkCallKeepsBothIntact) {
+    auto framework = ndk::SharedRefBase::make<ReenteringFramework>();
+    mBridge->setCallback(framework);
+    framework->mBridge = ops();
+    camera3_notify_msg shutter{CAMERA3_MSG_SHUTTER, {.shutter = {1, 2, 3}}};
+    ops()->notify(ops(), &shutter);
+    EXPECT_THAT(framework->notifications(),
+                ElementsAre(Callback::NotifyMsg(ErrorMsg{9, -1, ErrorCode::ERROR_BUFFER}),
+                            Callback::NotifyMsg(ShutterMsg{1, 2, 3})));
 }
 
 using ResultDeathTest = ResultTest;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <map>
 #include <memory>
@@ -172,6 +173,35 @@ TEST_F(SessionRequestTest, BatchReachesTheDeviceAsBuilt) {
     ASSERT_EQ(1u, b.outputBuffers.size());
     EXPECT_EQ(&mHandles[2], b.outputBuffers[0].buffer);
     EXPECT_EQ(1, b.outputBuffers[0].status);
+}
+
+// Each request of a batch is built from nothing of the one before it: a larger settings packet,
+// a buffer and a fence earlier leave no trace in a smaller packet, a packet that no longer
+// validates, or a slot without a buffer.
+TEST_F(SessionRequestTest, EachRequestOfABatchStartsFromNothingOfThePreviousOne) {
+    MetadataPtr large = makeMetadata(1, 400);
+    MetadataPtr small = makeMetadata(2);
+    std::vector<uint8_t> malformed = testing::bytesOf(small.get());
+    std::fill_n(malformed.begin(), 4, 0xff);  // a size beyond the bytes sent
+    Request first =
+            requestOf(10, movedInto(makeBuffer(1, 11, makeHandle({mFence[0]})), makeBuffer(2, 12)));
+    first.fmqSettingsSize = enqueue(large.get());
+    Request second = requestOf(11, movedInto(makeBuffer(1, 0)));
+    second.fmqSettingsSize = enqueue(small.get());
+    Request third = requestOf(12);
+    third.fmqSettingsSize = enqueue(malformed);
+    mCaches = {cacheOf(10, {{1, &mHandles[0]}, {2, &mHandles[1]}})};
+
+    ASSERT_TRUE(submit(movedInto(std::move(first), std::move(second), std::move(third))).isOk());
+    std::vector<CapturedRequest> device = mLegacy.takeRequests();
+    ASSERT_EQ(3u, device.size());
+    EXPECT_EQ(clonedBytes(large.get()), device[0].settings);
+    EXPECT_EQ(clonedBytes(small.get()), device[1].settings);
+    ASSERT_EQ(1u, device[1].outputBuffers.size());
+    EXPECT_EQ(nullptr, device[1].outputBuffers[0].buffer);
+    EXPECT_EQ(-1, device[1].outputBuffers[0].acquireFenceNumber);
+    EXPECT_EQ(std::nullopt, device[2].settings);
+    EXPECT_THAT(device[2].outputBuffers, IsEmpty());
 }
 
 // The device gets a descriptor of its own on a one-fd fence; anything else goes down as no fence.
