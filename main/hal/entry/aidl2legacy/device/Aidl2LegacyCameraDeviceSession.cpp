@@ -39,6 +39,7 @@ using aidl::android::hardware::common::NativeHandle;
 namespace {
 
 // The per-request containers, one set per binder thread.
+struct BufferCachesTag;
 struct OutputBuffersTag;
 struct SettingsTag;
 
@@ -314,7 +315,9 @@ ndk::ScopedAStatus Aidl2LegacyCameraDeviceSession::processCaptureRequest(
         int32_t* numRequestProcessed) {
     if (numRequestProcessed == nullptr) return convertStatus(-EINVAL);
     const std::shared_ptr<MetadataReleaser> releaser = mMetadataReleaser;
-    std::vector<RequestBufferCache> caches;
+    // Emptied below on every way out: no imported buffer outlives the batch here.
+    ThreadScratch<std::vector<RequestBufferCache>, BufferCachesTag> scratch;
+    std::vector<RequestBufferCache>& caches = scratch.get();
 
     int32_t status = 0;
     {
