@@ -63,14 +63,25 @@ std::vector<Session::CaptureRequest> makeBatch(int batch, const Fences* fences, 
     return requests;
 }
 
-void BM_Request(benchmark::State& state) {
-    const int batch = static_cast<int>(state.range(0));
-    const bool withFences = state.range(1) != 0;
-    BenchSession fixture(kStreams);
+// What a case and its floor share: the arguments, the session, the settings and the fences.
+struct RequestSetup {
+    explicit RequestSetup(const benchmark::State& state)
+        : batch(static_cast<int>(state.range(0))),
+          withFences(state.range(1) != 0),
+          fences(batch * kStreams) {}
+
+    const int batch;
+    const bool withFences;
+    BenchSession fixture{kStreams};
     MetadataPtr settings = makeMetadata(kSettingsSize);
-    const auto* bytes = reinterpret_cast<const int8_t*>(settings.get());
+    const int8_t* bytes = reinterpret_cast<const int8_t*>(settings.get());
+    Fences fences;
+};
+
+void BM_Request(benchmark::State& state) {
+    RequestSetup setup(state);
+    auto& [batch, withFences, fixture, settings, bytes, fences] = setup;
     const int handleFd = eventfd(0, EFD_CLOEXEC);
-    Fences fences(batch * kStreams);
     const std::vector<Session::BufferCache> noCachesToRemove;
     int32_t processed = 0;
     {
@@ -92,13 +103,9 @@ void BM_Request(benchmark::State& state) {
 // Per request: the framework's write into the queue, the read out of it, the validate and clone
 // of the settings, one dup per acquire fence, and one call into the device with a ready record.
 void BM_RequestFloor(benchmark::State& state) {
-    const int batch = static_cast<int>(state.range(0));
-    const bool withFences = state.range(1) != 0;
-    BenchSession fixture(kStreams);
-    MetadataPtr settings = makeMetadata(kSettingsSize);
-    const auto* bytes = reinterpret_cast<const int8_t*>(settings.get());
+    RequestSetup setup(state);
+    auto& [batch, withFences, fixture, settings, bytes, fences] = setup;
     Session::MetadataQueue queue(Session::kRequestQueueSize, false);
-    Fences fences(batch * kStreams);
     std::vector<int8_t> copy(kSettingsSize);
     std::array<Camera3Stream, kStreams> streams{};
     std::array<camera3_stream_buffer, kStreams> buffers{};
