@@ -5,8 +5,11 @@
 #include <system/camera_metadata.h>
 #include <system/graphics.h>
 
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "VirtualCameraFixture.h"
 
@@ -302,6 +305,29 @@ TEST_F(ModuleTest, TorchBelongsToTheFlashCameraWhileItIsClosed) {
                                                            {"0", TORCH_MODE_STATUS_AVAILABLE_ON},
                                                            {"0", TORCH_MODE_STATUS_NOT_AVAILABLE},
                                                            {"0", TORCH_MODE_STATUS_AVAILABLE_OFF}}));
+}
+
+// A torch that goes off, by request or because its camera opens, forgets its strength.
+TEST_F(ModuleTest, TorchTurnedOffReturnsToTheDefaultStrength) {
+    auto getLevel = extension<tarnic_camera_get_torch_strength_level_t>(
+            TARNIC_CAMERA_GET_TORCH_STRENGTH_LEVEL_SYM);
+    auto turnOn = extension<tarnic_camera_turn_on_torch_with_strength_level_t>(
+            TARNIC_CAMERA_TURN_ON_TORCH_WITH_STRENGTH_LEVEL_SYM);
+    ASSERT_NE(getLevel, nullptr);
+    ASSERT_NE(turnOn, nullptr);
+    const std::vector<std::pair<const char*, std::function<void()>>> turnOffs = {
+            {"set_torch_mode", [&] { EXPECT_EQ(module()->set_torch_mode("0", false), 0); }},
+            {"open", [&] {
+                 ASSERT_NE(openCamera("0"), nullptr);
+                 closeCamera();
+             }}};
+    for (const auto& [name, turnOff] : turnOffs) {
+        ASSERT_EQ(turnOn("0", 3), 0) << name;
+        turnOff();
+        int32_t level = 0;
+        EXPECT_EQ(getLevel("0", &level), 0) << name;
+        EXPECT_EQ(level, 5) << name;
+    }
 }
 
 TEST_F(ModuleTest, OpenIsExclusiveAndCloseIsIdempotent) {
