@@ -206,6 +206,10 @@ EXPORT int tarnic_camera_get_session_characteristics(int camera_id,
     return 0;
 }
 
+EXPORT int tarnic_camera_has_readout_timestamp(int camera_id) {
+    return camera_id == 0;
+}
+
 EXPORT int tarnic_camera_get_torch_strength_level(const char* camera_id, int32_t* level) {
     recordCall("get_torch_strength_level(%s);", camera_id);
     pthread_mutex_lock(&sLock);
