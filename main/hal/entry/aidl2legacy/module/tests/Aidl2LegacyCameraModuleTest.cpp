@@ -22,6 +22,11 @@
 #include "FakeModuleLibrary.h"
 #include "OpenFds.h"
 
+// The process's copy of a symbol the fake modules carry as well.
+extern "C" int tarnic_fake_shared_symbol() {
+    return FAKE_OWN_COPY + 1;
+}
+
 namespace kovo::aidl2legacy {
 namespace {
 
@@ -187,6 +192,35 @@ TEST_F(ModuleTest, LibrariesThatAreNoModuleAreReportedAndClosed) {
     }
 }
 
+// RTLD_LOCAL keeps a module's symbols to itself, not its calls: they bind to the process's copy
+// of a symbol it carries too. RTLD_DEEPBIND, where offered, makes it use its own.
+TEST_F(ModuleTest, ModuleUsesItsOwnCopyOfASymbolOnlyWhenDeepBound) {
+    bringUp();
+    auto sharedSymbol = [](const char* path) {
+        void* library = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
+        if (library == nullptr) return -1;
+        auto call = reinterpret_cast<int (*)()>(dlsym(library, "fake_camera_module_shared_symbol"));
+        const int copy = call != nullptr ? call() : -1;
+        dlclose(library);
+        return copy;
+    };
+    EXPECT_EQ(FAKE_OWN_COPY + 1, sharedSymbol(FAKE_MODULE_PATH));
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizer runtimes refuse RTLD_DEEPBIND";
+#elif !defined(RTLD_DEEPBIND)
+    int32_t status = 0;
+    EXPECT_EQ(nullptr, Module::createFromLibrary(FAKE_DEEPBIND_MODULE_PATH, {}, &status,
+                                                 Module::LibraryIsolation::kDeepBind));
+    EXPECT_EQ(-ENOSYS, status);
+#else
+    auto deepBound = Module::createFromLibrary(FAKE_DEEPBIND_MODULE_PATH, {}, nullptr,
+                                               Module::LibraryIsolation::kDeepBind);
+    ASSERT_NE(nullptr, deepBound);
+    EXPECT_EQ(FAKE_OWN_COPY, sharedSymbol(FAKE_DEEPBIND_MODULE_PATH));
+#endif
+}
+
 // The variant without the optional entry points, which the fixture does not hold open: it stays
 // loaded after the module object is gone, as the module's threads might still run.
 TEST(ModuleWithoutExtensionsTest, AnswersTheFallbacksAndStaysLoaded) {
@@ -298,6 +332,33 @@ TEST_F(ModuleTest, StatusChangesReachTheCurrentListenerOnly) {
                                           Event("1", CAMERA_DEVICE_STATUS_NOT_PRESENT),
                                           Event("torch 0", TORCH_MODE_STATUS_AVAILABLE_ON)));
     EXPECT_THAT(second.events, ElementsAre(Event("2", CAMERA_DEVICE_STATUS_PRESENT)));
+}
+
+// Announcements make any id usable or unusable; a built-in camera too old stays unusable.
+TEST_F(ModuleTest, AnnouncedCamerasBecomeUsableAndUnusable) {
+    bringUp();
+    camera_info info{};
+    camera3_device_t* device = nullptr;
+    EXPECT_EQ(-ENODEV, mModule->getCameraInfo(1000, &info));
+    EXPECT_EQ(-ENODEV, mModule->openDevice("1000", &device));
+
+    mFake.fireDeviceStatus(1000, CAMERA_DEVICE_STATUS_PRESENT);
+    mFake.fireDeviceStatus(1, CAMERA_DEVICE_STATUS_PRESENT);
+    EXPECT_EQ((std::vector<int32_t>{0, 1000}), mModule->getUsableCameraIds());
+    mModule->openDevice("1000", &device);
+    mModule->getCameraInfo(1000, &info);
+    EXPECT_TRUE(mFake.called("open(1000);get_camera_info(1000);")) << mFake.calls();
+
+    mFake.fireDeviceStatus(1000, CAMERA_DEVICE_STATUS_NOT_PRESENT);
+    mFake.fireDeviceStatus(0, CAMERA_DEVICE_STATUS_ENUMERATING);
+    EXPECT_EQ(std::vector<int32_t>{}, mModule->getUsableCameraIds());
+    const std::string callsBefore = mFake.calls();
+    EXPECT_EQ(-ENODEV, mModule->openDevice("1000", &device));
+    EXPECT_EQ(-ENODEV, mModule->openDevice("0", &device));
+    EXPECT_EQ(-ENODEV, mModule->getCameraInfo(0, &info));
+    EXPECT_EQ(callsBefore, mFake.calls());
+    mFake.fireDeviceStatus(0, CAMERA_DEVICE_STATUS_PRESENT);
+    EXPECT_EQ(std::vector<int32_t>{0}, mModule->getUsableCameraIds());
 }
 
 // Ids past the built-in cameras ("7") were never announced; camera 1's device is too old.

@@ -40,6 +40,11 @@ enum {
     FAKE_METADATA_COUNT
 };
 
+/* Which copy of tarnic_fake_shared_symbol() the module's own calls reach: FAKE_OWN_COPY for the
+ * module's, another value for the test program's. */
+#define FAKE_OWN_COPY 2
+int fake_camera_module_shared_symbol(void);
+
 /* Restores the script and HMI (version 2.5), clears the log and forgets the callbacks. */
 void fake_camera_module_reset(void);
 /* The calls so far, "name(arguments);" each, copied under the module's lock. */
