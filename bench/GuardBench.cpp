@@ -8,6 +8,8 @@
 
 #include <memory>
 
+#include "OneCameraModule.h"
+
 namespace kovo::aidl2legacy {
 namespace {
 
@@ -25,30 +27,14 @@ int initialize(const camera3_device*, const camera3_callback_ops_t* callbacks) {
     return 0;
 }
 
-int openCamera(const hw_module_t*, const char*, hw_device_t** device) {
-    *device = &sLegacy.common;
-    return 0;
-}
-
-int oneCamera() {
-    return 1;
-}
-
-int cameraInfo(int, camera_info* info) {
-    info->device_version = CAMERA_DEVICE_API_VERSION_3_5;
-    return 0;
-}
-
 int hasReadout(int) {
     return 1;
 }
 
-hw_module_methods_t sMethods{openCamera};
-
 // The module object and one opened (guarded) device; `readout`: the module declares readout
 // timestamps, so no callback table is interposed.
 struct Opened {
-    camera_module_t record{};
+    testing::OneCameraModule fake{&sLegacy};
     std::shared_ptr<Aidl2LegacyCameraModule> module;
     camera3_device_t* device = nullptr;
 
@@ -58,15 +44,9 @@ struct Opened {
         sLegacy.common.tag = HARDWARE_DEVICE_TAG;
         sLegacy.common.version = CAMERA_DEVICE_API_VERSION_3_5;
         sLegacy.ops = &sLegacyOps;
-        record.common.tag = HARDWARE_MODULE_TAG;
-        record.common.module_api_version = CAMERA_MODULE_API_VERSION_2_4;
-        record.common.id = CAMERA_HARDWARE_MODULE_ID;
-        record.common.methods = &sMethods;
-        record.get_number_of_cameras = oneCamera;
-        record.get_camera_info = cameraInfo;
         Aidl2LegacyCameraModule::ExtensionEntryPoints extensions;
         if (readout) extensions.hasReadoutTimestamp = hasReadout;
-        module = Aidl2LegacyCameraModule::createFromModule(&record, extensions, {}, nullptr);
+        module = Aidl2LegacyCameraModule::createFromModule(fake.record(), extensions, {}, nullptr);
         if (module != nullptr) module->openDevice("0", &device);
     }
 };

@@ -9,6 +9,7 @@
 
 #include "Aidl2LegacyCameraDevice.h"
 #include "DeviceTestSupport.h"
+#include "OneCameraModule.h"
 #include "RecordingCameraDeviceCallback.h"
 #include "ScriptableLegacyDevice.h"
 
@@ -22,58 +23,20 @@ using ::testing::_;
 using testing::hasStatus;
 using Framework = testing::RecordingCameraDeviceCallback;
 
-// The legacy device the module opens, and the status it refuses further opens with.
-struct OpenScript {
-    camera3_device_t* device = nullptr;
-    int opens = 0;
-    int refusal = 0;
-};
-OpenScript sScript;
-
-int openCamera(const hw_module_t*, const char*, hw_device_t** device) {
-    if (sScript.opens++ > 0 && sScript.refusal != 0) return sScript.refusal;
-    *device = &sScript.device->common;
-    return 0;
-}
-
-int oneCamera() {
-    return 1;
-}
-
-int cameraInfo(int, camera_info* info) {
-    info->device_version = CAMERA_DEVICE_API_VERSION_3_3;
-    return 0;
-}
-
-hw_module_methods_t sMethods{openCamera};
-
 class GuardedOpenTest : public testing::LoggingTest {
 protected:
-    GuardedOpenTest() {
-        sScript = OpenScript{};
-        sScript.device = mLegacy.device();
-        mRecord.common.tag = HARDWARE_MODULE_TAG;
-        mRecord.common.module_api_version = CAMERA_MODULE_API_VERSION_2_4;
-        mRecord.common.id = CAMERA_HARDWARE_MODULE_ID;
-        mRecord.common.methods = &sMethods;
-        mRecord.get_number_of_cameras = oneCamera;
-        mRecord.get_camera_info = cameraInfo;
-        mModule = Aidl2LegacyCameraModule::createFromModule(&mRecord, {}, {}, nullptr);
-        mDevice = Aidl2LegacyCameraDevice::create({0, mModule, {}});
-    }
-    ~GuardedOpenTest() override { sScript = OpenScript{}; }
-
     testing::ScriptableLegacyDevice mLegacy;
-    camera_module_t mRecord{};
-    std::shared_ptr<Aidl2LegacyCameraModule> mModule;
-    std::shared_ptr<Aidl2LegacyCameraDevice> mDevice;
+    testing::OneCameraModule mFake{mLegacy.device()};
+    std::shared_ptr<Aidl2LegacyCameraModule> mModule =
+            Aidl2LegacyCameraModule::createFromModule(mFake.record(), {}, {}, nullptr);
+    std::shared_ptr<Aidl2LegacyCameraDevice> mDevice =
+            Aidl2LegacyCameraDevice::create({0, mModule, {}});
     std::shared_ptr<Framework> mFramework = ndk::SharedRefBase::make<Framework>();
 };
 
 TEST_F(GuardedOpenTest, SecondOpenTheModuleRefusesGivesTheFrameworkItsStatus) {
     for (int refusal : {-EBUSY, -EUSERS}) {
-        sScript.opens = 0;
-        sScript.refusal = refusal;
+        mFake.refuseOpens(refusal, /*allowedOpens=*/1);
         const int closes = mLegacy.closeCount();
         std::shared_ptr<ICameraDeviceSession> first;
         ASSERT_TRUE(mDevice->open(mFramework, &first).isOk());

@@ -18,6 +18,7 @@
 #include <thread>
 #include <vector>
 
+#include "OneCameraModule.h"
 #include "ScriptableLegacyDevice.h"
 
 namespace kovo::aidl2legacy {
@@ -28,43 +29,6 @@ using ::testing::Return;
 using Module = Aidl2LegacyCameraModule;
 using testing::ScriptableLegacyDevice;
 using Entry = ScriptableLegacyDevice::Entry;
-
-// What the test module's open does; one test at a time uses it.
-struct OpenScript {
-    int status = 0;
-    camera3_device_t* device = nullptr;
-    const camera_metadata_t* characteristics = nullptr;
-};
-OpenScript sScript;
-
-int openCamera(const hw_module_t*, const char*, hw_device_t** device) {
-    if (sScript.status != 0) return sScript.status;
-    *device = &sScript.device->common;
-    return 0;
-}
-
-int oneCamera() {
-    return 1;
-}
-
-int cameraInfo(int, camera_info* info) {
-    info->device_version = CAMERA_DEVICE_API_VERSION_3_6;
-    info->static_camera_characteristics = const_cast<camera_metadata_t*>(sScript.characteristics);
-    return 0;
-}
-
-hw_module_methods_t sMethods{openCamera};
-
-camera_module_t makeModuleRecord() {
-    camera_module_t module{};
-    module.common.tag = HARDWARE_MODULE_TAG;
-    module.common.module_api_version = CAMERA_MODULE_API_VERSION_2_4;
-    module.common.id = CAMERA_HARDWARE_MODULE_ID;
-    module.common.methods = &sMethods;
-    module.get_number_of_cameras = oneCamera;
-    module.get_camera_info = cameraInfo;
-    return module;
-}
 
 int withReadout(int) {
     return 1;
@@ -101,16 +65,10 @@ struct RecordingBridge : camera3_callback_ops_t {
 
 class GuardTest : public ::testing::Test {
 protected:
-    GuardTest() {
-        sScript = OpenScript{};
-        sScript.device = mLegacy.device();
-    }
-    ~GuardTest() override { sScript = OpenScript{}; }
-
     void bringUp(tarnic_camera_has_readout_timestamp_t hasReadout = withReadout) {
         Module::ExtensionEntryPoints extensions;
         extensions.hasReadoutTimestamp = hasReadout;
-        mModule = Module::createFromModule(&mRecord, extensions, {}, nullptr);
+        mModule = Module::createFromModule(mFake.record(), extensions, {}, nullptr);
         ASSERT_NE(nullptr, mModule);
     }
     camera3_device_t* open() {
@@ -121,7 +79,7 @@ protected:
 
     android::testing::LogCapture mLog;
     ScriptableLegacyDevice mLegacy;
-    camera_module_t mRecord = makeModuleRecord();
+    testing::OneCameraModule mFake{mLegacy.device()};
     std::shared_ptr<Module> mModule;
 };
 
@@ -228,7 +186,7 @@ TEST_F(GuardTest, AfterCloseNoEntryReachesTheModuleDevice) {
 TEST_F(GuardTest, RefusedOpenGivesADeviceWhoseInitializeFailsWithTheModuleStatus) {
     bringUp();
     for (int status : {-EBUSY, -EUSERS, -ENODEV, -EIO}) {
-        sScript.status = status;
+        mFake.refuseOpens(status);
         camera3_device_t* device = nullptr;
         EXPECT_EQ(status, mModule->openDevice("0", &device)) << status;
         ASSERT_NE(nullptr, device) << status;
@@ -317,7 +275,7 @@ TEST_F(GuardTest, CharacteristicsSayReadoutUnsupportedUnlessTheModuleSaysOtherwi
           Case{withoutReadout, plain.get(), true, ANDROID_SENSOR_READOUT_TIMESTAMP_NOT_SUPPORTED},
           Case{nullptr, plain.get(), true, ANDROID_SENSOR_READOUT_TIMESTAMP_NOT_SUPPORTED},
           Case{nullptr, declared.get(), false, hardware}}) {
-        sScript.characteristics = c.characteristics;
+        mFake.setCharacteristics(c.characteristics);
         bringUp(c.hasReadout);
         camera_info first{};
         camera_info second{};
