@@ -33,7 +33,7 @@ GuardedDevice::GuardedDevice(camera3_device_t* device, bool standardShutter)
     : mLegacy(device), mOpenStatus(0), mStandardShutter(standardShutter) {
     mDevice.common = device->common;
     mDevice.common.close = device->common.close != nullptr ? sClose : nullptr;
-    mDevice.priv = device->priv;
+    mDevice.priv = this;
     fillOps(device->ops);
     mDevice.ops = device->ops != nullptr ? &mOps : nullptr;
 }
@@ -43,6 +43,7 @@ GuardedDevice::GuardedDevice(int32_t openStatus)
     mDevice.common.tag = HARDWARE_DEVICE_TAG;
     mDevice.common.version = CAMERA_DEVICE_API_VERSION_3_2;
     mDevice.common.close = sClose;
+    mDevice.priv = this;
     // Every entry answers, so that whatever the caller does next fails with a status.
     camera3_device_ops_t all{};
     all.initialize = sInitialize;
@@ -79,7 +80,7 @@ void GuardedDevice::fillOps(const camera3_device_ops_t* legacy) {
 }
 
 GuardedDevice* GuardedDevice::from(const camera3_device* device) {
-    return reinterpret_cast<GuardedDevice*>(const_cast<camera3_device*>(device));
+    return static_cast<GuardedDevice*>(device->priv);
 }
 
 GuardedDevice::Call::Call(const camera3_device* device) : mGuard(from(device)) {
@@ -185,7 +186,7 @@ int GuardedDevice::sIsReconfigurationRequired(const camera3_device* device,
 }
 
 int GuardedDevice::sClose(hw_device_t* device) {
-    GuardedDevice* self = from(reinterpret_cast<camera3_device*>(device));
+    GuardedDevice* self = from(reinterpret_cast<camera3_device_t*>(device));
     // A refused open has nothing to close.
     if (self->mLegacy == nullptr) return 0;
     uint32_t state = self->mState.fetch_or(kClosed, std::memory_order_acq_rel);

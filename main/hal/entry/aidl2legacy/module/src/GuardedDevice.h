@@ -91,7 +91,7 @@ private:
     static void sReturnStreamBuffers(const camera3_callback_ops_t* ops, uint32_t numBuffers,
                                      const camera3_stream_buffer_t* const* buffers);
 
-    // First, so that the camera3_device_t the session holds is the guard's address.
+    // Handed out; its priv leads back to the guard.
     camera3_device_t mDevice{};
     camera3_device_ops_t mOps{};
     camera3_device_t* const mLegacy;
