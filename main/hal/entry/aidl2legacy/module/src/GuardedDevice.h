@@ -13,7 +13,9 @@
  *
  * Owned by the module object, which keeps every guard it made until it is destroyed: the session
  * holds the pointer past close. Threads: entries may run on any thread at once. A call that has
- * started when close begins finishes first (close waits for it); none starts after.
+ * started when close begins finishes first (close waits for it); none starts after. So close
+ * must not come from inside an entry on the same thread (from a callback the module makes there),
+ * as it would wait for itself; the framework closes from its own threads.
  */
 #pragma once
 
