@@ -21,11 +21,13 @@
 
 #include "FakeModuleLibrary.h"
 #include "OpenFds.h"
+#include "VtableSlot.h"
 
 namespace kovo::aidl2legacy {
 namespace {
 
 using ::testing::ElementsAre;
+using testing::vtableSlot;
 using Module = Aidl2LegacyCameraModule;
 
 constexpr int32_t kYuv = HAL_PIXEL_FORMAT_YCBCR_420_888;
@@ -71,16 +73,6 @@ protected:
     testing::FakeModuleLibrary mFake{FAKE_MODULE_PATH};
     std::shared_ptr<Module> mModule;
 };
-
-// The virtual-table slot of a member function, from its Itanium pointer-to-member form: the first
-// word is 1 + the slot's byte offset.
-template <typename Function>
-ptrdiff_t vtableSlot(Function function) {
-    ptrdiff_t words[2];
-    static_assert(sizeof(function) == sizeof(words));
-    std::memcpy(words, &function, sizeof(words));
-    return (words[0] - 1) / static_cast<ptrdiff_t>(sizeof(void*));
-}
 
 // The device library calls the operations through fixed slots, after the destructor's two.
 TEST(ModuleInterfaceTest, NineOperationsFollowTheDestructorInOrder) {
