@@ -1,7 +1,9 @@
 # Runs the harness (HARNESS, with the arguments ARGS) and passes only when it fails, its output
-# holds the violation EXPECTED (a regular expression), and no other rule is named.
+# holds the violation EXPECTED (a regular expression), and no other rule is named. EMULATOR, if
+# set, is the command line that runs a cross-built harness.
 separate_arguments(args UNIX_COMMAND "${ARGS}")
-execute_process(COMMAND ${HARNESS} ${args}
+separate_arguments(emulator UNIX_COMMAND "${EMULATOR}")
+execute_process(COMMAND ${emulator} ${HARNESS} ${args}
                 RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
 message("${output}")
 if(status EQUAL 0)

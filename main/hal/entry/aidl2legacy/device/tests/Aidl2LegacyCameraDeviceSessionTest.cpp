@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "SessionTestSupport.h"
+#include "VtableSlot.h"
 
 namespace kovo::aidl2legacy {
 namespace {
@@ -35,6 +36,7 @@ using testing::ScriptableLegacyDevice;
 using testing::Session;
 using testing::SessionTest;
 using testing::toAidl;
+using testing::vtableSlot;
 using Credits = std::unordered_map<int, unsigned int>;
 
 constexpr char kUnlinkFailed[] = "::unlinkToDeath] Fail to unlink ICameraDeviceCallback to death";
@@ -175,17 +177,6 @@ TEST_F(SessionTest, DestructionNeitherClosesNorLogs) {
 TEST_F(SessionTest, SessionBindersInheritRealTimePriority) {
     ndk::SpAIBinder binder = createSession()->asBinder();
     EXPECT_TRUE(android::testing::binderInheritsRt(binder.get()));
-}
-
-// The slot of a virtual function, from the Itanium representation of a pointer to it: the first
-// word holds 1 + the function's byte offset in the virtual table.
-template <typename MemberFunction>
-ptrdiff_t vtableSlot(MemberFunction function) {
-    static_assert(sizeof(function) == 2 * sizeof(ptrdiff_t));
-    ptrdiff_t words[2];
-    memcpy(words, &function, sizeof(words));
-    EXPECT_EQ(1, words[0] % 2) << "not a virtual function";
-    return (words[0] - 1) / static_cast<ptrdiff_t>(sizeof(void*));
 }
 
 struct SessionProbe : Session {

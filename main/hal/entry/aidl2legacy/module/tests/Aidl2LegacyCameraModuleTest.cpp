@@ -21,6 +21,7 @@
 
 #include "FakeModuleLibrary.h"
 #include "OpenFds.h"
+#include "VtableSlot.h"
 
 // The process's copy of a symbol the fake modules carry as well.
 extern "C" int tarnic_fake_shared_symbol() {
@@ -31,6 +32,7 @@ namespace kovo::aidl2legacy {
 namespace {
 
 using ::testing::ElementsAre;
+using testing::vtableSlot;
 using Module = Aidl2LegacyCameraModule;
 
 constexpr int32_t kYuv = HAL_PIXEL_FORMAT_YCBCR_420_888;
@@ -76,16 +78,6 @@ protected:
     testing::FakeModuleLibrary mFake{FAKE_MODULE_PATH};
     std::shared_ptr<Module> mModule;
 };
-
-// The virtual-table slot of a member function, from its Itanium pointer-to-member form: the first
-// word is 1 + the slot's byte offset.
-template <typename Function>
-ptrdiff_t vtableSlot(Function function) {
-    ptrdiff_t words[2];
-    static_assert(sizeof(function) == sizeof(words));
-    std::memcpy(words, &function, sizeof(words));
-    return (words[0] - 1) / static_cast<ptrdiff_t>(sizeof(void*));
-}
 
 // The device library calls the operations through fixed slots, after the destructor's two.
 TEST(ModuleInterfaceTest, NineOperationsFollowTheDestructorInOrder) {
