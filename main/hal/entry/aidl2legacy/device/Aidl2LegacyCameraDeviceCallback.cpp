@@ -300,6 +300,22 @@ bool Aidl2LegacyCameraDeviceCallback::BufferComparator::operator()(const native_
 void Aidl2LegacyCameraDeviceCallback::pushBufferId(const native_handle* const& handle,
                                                    uint64_t bufferId, int streamId) {
     std::lock_guard<std::mutex> guard(mBufferIdLock);
+    recordBufferIdLocked(handle, bufferId, streamId);
+}
+
+void Aidl2LegacyCameraDeviceCallback::pushBufferId(const BufferHandle& buffer, uint64_t bufferId,
+                                                   int streamId) {
+    const native_handle* handle = *buffer.buffer;
+    std::lock_guard<std::mutex> guard(mBufferIdLock);
+    recordBufferIdLocked(handle, bufferId, streamId);
+    // Filed under the same key as the id, so that the pop which ends the id releases it.
+    if (buffer.imported != nullptr) {
+        mBufferOwners[streamId][handle].push_back(buffer.imported);
+    }
+}
+
+void Aidl2LegacyCameraDeviceCallback::recordBufferIdLocked(const native_handle* handle,
+                                                           uint64_t bufferId, int streamId) {
     BufferIdMap& ids = mBufferIdMap.emplace(streamId, BufferIdMap{}).first->second;
     // An equal key already present keeps its first handle pointer; only the id changes.
     ids[handle] = bufferId;
@@ -307,6 +323,8 @@ void Aidl2LegacyCameraDeviceCallback::pushBufferId(const native_handle* const& h
 
 uint64_t Aidl2LegacyCameraDeviceCallback::popBufferId(const native_handle* const& handle,
                                                       int streamId) {
+    // Released after the lock: the last holder of a buffer closes its fds.
+    std::vector<std::shared_ptr<ImportedBuffer>> released;
     std::lock_guard<std::mutex> guard(mBufferIdLock);
     if (handle == nullptr) return 0;
     auto stream = mBufferIdMap.find(streamId);
@@ -316,6 +334,13 @@ uint64_t Aidl2LegacyCameraDeviceCallback::popBufferId(const native_handle* const
     const uint64_t bufferId = entry->second;
     stream->second.erase(entry);
     if (stream->second.empty()) mBufferIdMap.erase(stream);
+    if (auto owners = mBufferOwners.find(streamId); owners != mBufferOwners.end()) {
+        if (auto owner = owners->second.find(handle); owner != owners->second.end()) {
+            released = std::move(owner->second);
+            owners->second.erase(owner);
+            if (owners->second.empty()) mBufferOwners.erase(owners);
+        }
+    }
     A2L_LOGI("[%s::%s] buffer_handle_t:%p, bufId:%lu", mName.c_str(), __func__,
              static_cast<const void*>(handle), bufferId);
     return bufferId;
@@ -462,7 +487,7 @@ camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuff
                         A2L_FATAL("[%s::%s] fail to find BufferHandle", mName.c_str(), __func__);
                     }
                     buffer.buffer = handle->second.buffer;
-                    pushBufferId(*buffer.buffer, static_cast<uint64_t>(buffers[j].bufferId),
+                    pushBufferId(handle->second, static_cast<uint64_t>(buffers[j].bufferId),
                                  answer.streamId);
                 }
                 break;

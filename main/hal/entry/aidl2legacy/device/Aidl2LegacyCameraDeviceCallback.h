@@ -13,9 +13,10 @@
  * - The trampolines run on the legacy device's threads; results and notifications may arrive at
  *   once. The setters and getCaptureResultMetadataQueue run on binder threads (through the
  *   session).
- * - mBufferIdLock guards mBufferIdMap; mValidBufferSizeLock guards mValidBufferSizeMap and is the
- *   mutex of mValidBufferSizeCond; mBufferHandleCacheMgrLock is taken only while the cache manager
- *   is replaced. The three are never held together, and no framework call is made under them.
+ * - mBufferIdLock guards mBufferIdMap and mBufferOwners; mValidBufferSizeLock guards
+ * mValidBufferSizeMap and is the mutex of mValidBufferSizeCond; mBufferHandleCacheMgrLock is taken
+ * only while the cache manager is replaced. The three are never held together, and no framework
+ * call is made under them.
  * - mCallback and mStreamMap are replaced and read without a lock: callers replace them only while
  *   no results flow. The result queue has a single writer by contract.
  */
@@ -55,6 +56,8 @@
 namespace kovo::aidl2legacy {
 
 class IBufferHandleCacheMgr;
+class ImportedBuffer;
+struct BufferHandle;
 
 class Aidl2LegacyCameraDeviceCallback : public camera3_callback_ops {
 public:
@@ -183,8 +186,17 @@ private:
 
     using BufferIdMap =
             std::unordered_map<const native_handle*, uint64_t, BufferHasher, BufferComparator>;
+    using BufferOwners =
+            std::unordered_map<const native_handle*, std::vector<std::shared_ptr<ImportedBuffer>>,
+                               BufferHasher, BufferComparator>;
 
     static Aidl2LegacyCameraDeviceCallback* fromOps(const camera3_callback_ops* ops);
+
+    // pushBufferId for a buffer handed to the device, which also keeps the imported buffer alive
+    // until its id is popped.
+    void pushBufferId(const BufferHandle& buffer, uint64_t bufferId, int streamId);
+    // Records the id. mBufferIdLock held.
+    void recordBufferIdLocked(const native_handle* handle, uint64_t bufferId, int streamId);
 
     // A buffer the device hands back (in a result or a return), with the framework's id popped
     // from the id map (0 when unknown) and its release fence adopted.
@@ -205,7 +217,11 @@ private:
     int32_t mBufferRequestTimeoutNs;
     std::map<int32_t, Camera3Stream> mStreamMap;
     std::mutex mBufferIdLock;
-    std::unordered_map<int32_t, BufferIdMap> mBufferIdMap;  // guarded by mBufferIdLock
+    // Per stream, the imported buffers behind the keys of mBufferIdMap: the keys and the device's
+    // buffer_handle_t slots point into them, so they stay until the id is popped or this bridge
+    // goes, whatever the cache does meanwhile. Declared first so that it goes after the id map.
+    std::unordered_map<int32_t, BufferOwners> mBufferOwners;  // guarded by mBufferIdLock
+    std::unordered_map<int32_t, BufferIdMap> mBufferIdMap;    // guarded by mBufferIdLock
 };
 
 }  // namespace kovo::aidl2legacy

@@ -3,8 +3,10 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "BufferHandleCacheMgrSeam.h"
@@ -256,6 +258,7 @@ TEST_F(HbmTest, ShortCountWaitsThenAsksAnyway) {
     EXPECT_THAT(counts(), UnorderedElementsAre(Pair(5, 4u), Pair(9, 4294967295u)));
     giveBack(request, {{0, 0}});
     EXPECT_THAT(counts(), UnorderedElementsAre(Pair(5, 4u), Pair(9, 0u)));
+    giveBack(request, {{0, 1}, {0, 2}});
 }
 
 // One credit per returned buffer; a buffer returned twice carries no id and no credit the second
@@ -309,6 +312,50 @@ TEST_F(HbmTest, FailedReturnKeepsTheCreditButSpendsIdsAndFences) {
     EXPECT_TRUE(logged(kPrefix +
                        "returnStreamBuffers] returnStreamBuffers transaction failed: dead "
                        "framework."));
+}
+
+// The framework makes the cache let go of a buffer the device still holds: the buffer stays open
+// and keeps its id until the device gives it back, then closes. Another buffer handed out
+// meanwhile (whose handle may hash like the dropped one) keeps its own id.
+TEST_F(HbmTest, BufferTheCacheDropsStaysWithTheDeviceUntilItComesBack) {
+    using Drop = std::function<void(IBufferHandleCacheMgr&, int64_t bufferId)>;
+    const std::vector<std::pair<std::string, Drop>> drops = {
+            {"stream left the configuration",
+             [](IBufferHandleCacheMgr& cache, int64_t) {
+                 IBufferHandleCacheMgr::StreamConfiguration configuration;
+                 configuration.streams.emplace_back().id = 9;
+                 cache.configureStreams(configuration);
+             }},
+            {"cache entry removed",
+             [](IBufferHandleCacheMgr& cache, int64_t bufferId) {
+                 cache.removeBufferCaches({{5, bufferId}});
+             }},
+            {"new handle sent for the id",
+             [](IBufferHandleCacheMgr& cache, int64_t bufferId) {
+                 std::vector<IBufferHandleCacheMgr::CaptureRequest> requests(1);
+                 requests[0].outputBuffers.push_back(frameworkBuffer(5, bufferId));
+                 std::vector<RequestBufferCache> caches;
+                 cache.importRequestBuffers(requests, &caches);
+             }},
+    };
+    for (const auto& [name, drop] : drops) {
+        SCOPED_TRACE(name);
+        DeviceBufferRequest held({{stream(5), 1}});
+        ASSERT_EQ(CAMERA3_BUF_REQ_OK, held.send(ops()));
+        const int64_t heldId = mLastBufferId;
+        const int heldFd = held.handle(0, 0)->data[0];
+        drop(*mCacheMgr, heldId);
+        EXPECT_TRUE(isOpen(heldFd));
+
+        DeviceBufferRequest other({{stream(5), 1}});
+        ASSERT_EQ(CAMERA3_BUF_REQ_OK, other.send(ops()));
+        giveBack(held, {{0, 0}});
+        EXPECT_THAT(idsOf(mFramework->returnedBuffers().back()), ElementsAre(heldId));
+        EXPECT_FALSE(isOpen(heldFd));
+        giveBack(other, {{0, 0}});
+        EXPECT_THAT(idsOf(mFramework->returnedBuffers().back()), ElementsAre(mLastBufferId));
+        EXPECT_THAT(counts(), UnorderedElementsAre(Pair(5, 4u), Pair(9, 2u)));
+    }
 }
 
 // One capture through the whole library, the legacy device using the HAL buffer manager: the
