@@ -6,6 +6,7 @@
 #include <aidl/android/hardware/common/NativeHandle.h>
 #include <aidl2legacy/common/BufferHandle.h>
 #include <aidl2legacy/common/IBufferHandleCacheMgr.h>
+#include <aidl2legacy/utils/EnumValue.h>
 #include <aidl2legacy/utils/MetadataConversion.h>
 #include <aidl2legacy/utils/NativeHandleConversion.h>
 #include <android/binder_auto_utils.h>
@@ -530,12 +531,12 @@ void Aidl2LegacyCameraDeviceCallback::convertBufferRequest(const camera3_buffer_
 
 void Aidl2LegacyCameraDeviceCallback::convertBufferRequestStatus(const BufferRequestStatus& in,
                                                                  camera3_buffer_request_status& out) {
-    out = static_cast<camera3_buffer_request_status>(in);
+    setEnumValue(out, static_cast<int32_t>(in));
 }
 
 void Aidl2LegacyCameraDeviceCallback::convertBufferRequestError(
         const StreamBufferRequestError& in, camera3_stream_buffer_req_status& out) {
-    out = static_cast<camera3_stream_buffer_req_status>(in);
+    setEnumValue(out, static_cast<int32_t>(in));
 }
 
 void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const StreamBuffer& in,

@@ -1,9 +1,11 @@
+#include <aidl2legacy/utils/EnumValue.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -153,6 +155,25 @@ TEST_F(HbmTest, PartialAnswerFillsEachRecordByItsKind) {
     EXPECT_THAT(counts(), UnorderedElementsAre(Pair(5, 2u), Pair(9, 1u)));
     EXPECT_EQ(11u, mBridge->popBufferId(request.handle(1, 0), 5));
     EXPECT_EQ(12u, mBridge->popBufferId(request.handle(1, 1), 5));
+}
+
+// An error value the legacy enum does not know reaches the device unchanged.
+TEST_F(HbmTest, EveryRequestErrorValuePassesThroughUnchanged) {
+    for (const int32_t value : {int32_t{CAMERA3_PS_BUF_REQ_MAX_BUFFER_EXCEEDED},
+                                int32_t{0x40000000}, std::numeric_limits<int32_t>::min()}) {
+        SCOPED_TRACE(value);
+        mFramework->setBufferRequestHandler([value](const std::vector<BufferRequest>&,
+                                                    std::vector<StreamBufferRet>* answers,
+                                                    BufferRequestStatus* status) {
+            answers->emplace_back().streamId = 9;
+            answers->back().val.set<StreamBuffersVal::error>(StreamBufferRequestError(value));
+            *status = BufferRequestStatus::FAILED_PARTIAL;
+            return ndk::ScopedAStatus::ok();
+        });
+        DeviceBufferRequest request({{stream(9), 1}});
+        EXPECT_EQ(CAMERA3_BUF_REQ_FAILED_PARTIAL, request.send(ops()));
+        EXPECT_EQ(value, enumValue(request.records[0].status));
+    }
 }
 
 // Nothing is imported, no record is touched and no credit is taken.
