@@ -10,6 +10,7 @@
 #include <aidl2legacy/utils/MetadataConversion.h>
 #include <aidl2legacy/utils/NativeHandleConversion.h>
 #include <android/binder_auto_utils.h>
+#include <android/log.h>
 #include <system/camera_metadata.h>
 #include <unistd.h>
 
@@ -373,7 +374,7 @@ void Aidl2LegacyCameraDeviceCallback::setValidBufNum(const std::unordered_map<in
 
 void Aidl2LegacyCameraDeviceCallback::giveBackValidBuffer(int32_t streamId, const char* caller) {
     std::lock_guard<std::mutex> guard(mValidBufferSizeLock);
-    uint32_t& count = mValidBufferSizeMap.at(streamId);
+    uint32_t& count = validBufferCountLocked(streamId);
     ++count;
     if (mLogLevel >= 3) {
         A2L_LOGD("[%s::%s] ValidBufferSizeMap streamId:%d size:%u", mName.c_str(), caller, streamId,
@@ -384,7 +385,17 @@ void Aidl2LegacyCameraDeviceCallback::giveBackValidBuffer(int32_t streamId, cons
 
 void Aidl2LegacyCameraDeviceCallback::takeValidBuffers(int32_t streamId, uint32_t count) {
     std::lock_guard<std::mutex> guard(mValidBufferSizeLock);
-    mValidBufferSizeMap.at(streamId) -= count;
+    validBufferCountLocked(streamId) -= count;
+}
+
+uint32_t& Aidl2LegacyCameraDeviceCallback::validBufferCountLocked(int32_t streamId) {
+    auto count = mValidBufferSizeMap.find(streamId);
+    if (count == mValidBufferSizeMap.end()) {
+        // What the device's libc++ does for at() without exceptions: an abort message, in place.
+        // libstdc++ would throw through the legacy device's thread instead.
+        __android_log_assert(nullptr, "libc++", "unordered_map::at: key not found");
+    }
+    return count->second;
 }
 
 camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuffers(
@@ -510,7 +521,7 @@ void Aidl2LegacyCameraDeviceCallback::waitForValidBuffers(const std::vector<Buff
                               std::chrono::nanoseconds(mBufferRequestTimeoutNs);
         const auto requested = static_cast<uint32_t>(request.numBuffersRequested);
         const bool covered = mValidBufferSizeCond.wait_until(lock, deadline, [&] {
-            return mValidBufferSizeMap.at(request.streamId) >= requested;
+            return validBufferCountLocked(request.streamId) >= requested;
         });
         if (!covered) {
             // The framework is asked regardless; it has the final word on its buffers.
@@ -518,7 +529,7 @@ void Aidl2LegacyCameraDeviceCallback::waitForValidBuffers(const std::vector<Buff
                     "[%s::%s] Wait for valid buffer timeout, StmId=%d, ValBufSize=%u, "
                     "NumBufReq=%d",
                     mName.c_str(), "requestStreamBuffers", request.streamId,
-                    mValidBufferSizeMap.at(request.streamId), request.numBuffersRequested);
+                    validBufferCountLocked(request.streamId), request.numBuffersRequested);
         }
     }
 }

@@ -173,8 +173,8 @@ public:
 
 protected:
     // The counting protocol of the valid-buffer counts, for the result, request and return
-    // paths. Both look the stream up with at(): a stream missing from the counts ends the
-    // process. Counts are unsigned and wrap.
+    // paths. Both look the stream up as at() does (validBufferCountLocked): a stream missing from
+    // the counts ends the process. Counts are unsigned and wrap.
     //
     // One buffer came back: +1, a debug log naming `caller` (at mLogLevel >= 3), notify_all.
     void giveBackValidBuffer(int32_t streamId, const char* caller);
@@ -201,6 +201,9 @@ private:
     // A buffer the device hands back (in a result or a return), with the framework's id popped
     // from the id map (0 when unknown) and its release fence adopted.
     void convertReturnedBuffer(const camera3_stream_buffer& in, StreamBuffer& out);
+    // The count of `streamId`, or the end of the process with the text a build without exceptions
+    // gives for at() on a missing key, on every build. mValidBufferSizeLock held.
+    uint32_t& validBufferCountLocked(int32_t streamId);
     // Blocks until each stream's count covers its request, at most one timeout per stream.
     void waitForValidBuffers(const std::vector<BufferRequest>& requests);
 

@@ -446,11 +446,27 @@ TEST_F(HbmDeathTest, BrokenAnswersAndAMissingFrameworkEndTheProcess) {
     EXPECT_DEATH(lost.send(ops()), "::requestStreamBuffers\\] fail to find BufferHandle");
     mBridge->setBufferHandleCacheMgr(mCacheMgr);
 
-    // A stream outside the configuration has no count (see the result path's death test).
+    // A stream outside the configuration has no count, whether the device asks for it, the
+    // framework answers for it or the device gives a buffer of it back.
+    const std::string keyNotFound = "unordered_map::at: key not found";
     Camera3Stream unconfigured;
     unconfigured.id = 6;
     DeviceBufferRequest stray({{&unconfigured.stream, 1}});
-    EXPECT_DEATH([&]() noexcept { stray.send(ops()); }(), "");
+    EXPECT_DEATH(stray.send(ops()), keyNotFound);
+    mFramework->setBufferRequestHandler([](const std::vector<BufferRequest>&,
+                                           std::vector<StreamBufferRet>* answers,
+                                           BufferRequestStatus* status) {
+        answers->push_back(frameworkAnswer(6, {}));
+        *status = BufferRequestStatus::OK;
+        return ndk::ScopedAStatus::ok();
+    });
+    DeviceBufferRequest misanswered({{stream(5), 1}});
+    EXPECT_DEATH(misanswered.send(ops()), keyNotFound);
+    testing::DeviceBuffer buffer(41);
+    mBridge->pushBufferId(buffer.key(), 1, 6);
+    camera3_stream_buffer returned{&unconfigured.stream, buffer.pointer(), 0, -1, -1};
+    const camera3_stream_buffer* returnedBuffers[] = {&returned};
+    EXPECT_DEATH(ops()->return_stream_buffers(ops(), 1, returnedBuffers), keyNotFound);
 
     mBridge->setCallback(nullptr);
     DeviceBufferRequest none({});
