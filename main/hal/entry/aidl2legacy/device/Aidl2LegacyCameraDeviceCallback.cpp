@@ -310,10 +310,7 @@ void Aidl2LegacyCameraDeviceCallback::pushBufferId(const BufferHandle& buffer, u
     const native_handle* handle = *buffer.buffer;
     std::lock_guard<std::mutex> guard(mBufferIdLock);
     recordBufferIdLocked(handle, bufferId, streamId);
-    // Filed under the same key as the id, so that the pop which ends the id releases it.
-    if (buffer.imported != nullptr) {
-        mBufferOwners[streamId][handle].push_back(buffer.imported);
-    }
+    if (buffer.imported != nullptr) mBufferOwners[streamId].emplace(handle, buffer.imported);
 }
 
 void Aidl2LegacyCameraDeviceCallback::recordBufferIdLocked(const native_handle* handle,
@@ -326,16 +323,11 @@ void Aidl2LegacyCameraDeviceCallback::recordBufferIdLocked(const native_handle* 
 uint64_t Aidl2LegacyCameraDeviceCallback::popBufferId(const native_handle* const& handle,
                                                       int streamId) {
     // Released after the lock: the last holder of a buffer closes its fds.
-    std::vector<std::shared_ptr<ImportedBuffer>> released;
+    std::shared_ptr<ImportedBuffer> released;
     std::lock_guard<std::mutex> guard(mBufferIdLock);
     if (handle == nullptr) return 0;
-    auto stream = mBufferIdMap.find(streamId);
-    if (stream == mBufferIdMap.end()) return 0;
-    auto entry = stream->second.find(handle);
-    if (entry == stream->second.end()) return 0;
-    const uint64_t bufferId = entry->second;
-    stream->second.erase(entry);
-    if (stream->second.empty()) mBufferIdMap.erase(stream);
+    // The device gave this handle back: one share of it goes, even when its id is gone already (a
+    // buffer handed over twice under one id). A map key equal to it is erased below, if any.
     if (auto owners = mBufferOwners.find(streamId); owners != mBufferOwners.end()) {
         if (auto owner = owners->second.find(handle); owner != owners->second.end()) {
             released = std::move(owner->second);
@@ -343,6 +335,13 @@ uint64_t Aidl2LegacyCameraDeviceCallback::popBufferId(const native_handle* const
             if (owners->second.empty()) mBufferOwners.erase(owners);
         }
     }
+    auto stream = mBufferIdMap.find(streamId);
+    if (stream == mBufferIdMap.end()) return 0;
+    auto entry = stream->second.find(handle);
+    if (entry == stream->second.end()) return 0;
+    const uint64_t bufferId = entry->second;
+    stream->second.erase(entry);
+    if (stream->second.empty()) mBufferIdMap.erase(stream);
     A2L_LOGI("[%s::%s] buffer_handle_t:%p, bufId:%lu", mName.c_str(), __func__,
              static_cast<const void*>(handle), bufferId);
     return bufferId;

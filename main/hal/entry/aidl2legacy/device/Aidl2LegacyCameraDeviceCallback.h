@@ -14,9 +14,9 @@
  *   once. The setters and getCaptureResultMetadataQueue run on binder threads (through the
  *   session).
  * - mBufferIdLock guards mBufferIdMap and mBufferOwners; mValidBufferSizeLock guards
- * mValidBufferSizeMap and is the mutex of mValidBufferSizeCond; mBufferHandleCacheMgrLock is taken
- * only while the cache manager is replaced. The three are never held together, and no framework
- * call is made under them.
+ *   mValidBufferSizeMap and is the mutex of mValidBufferSizeCond; mBufferHandleCacheMgrLock is
+ *   taken only while the cache manager is replaced. The three are never held together, and no
+ *   framework call is made under them.
  * - mCallback and mStreamMap are replaced and read without a lock: callers replace them only while
  *   no results flow. The result queue has a single writer by contract.
  */
@@ -186,14 +186,14 @@ private:
 
     using BufferIdMap =
             std::unordered_map<const native_handle*, uint64_t, BufferHasher, BufferComparator>;
+    // By the very handle pointer the device was given, one share per hand-over.
     using BufferOwners =
-            std::unordered_map<const native_handle*, std::vector<std::shared_ptr<ImportedBuffer>>,
-                               BufferHasher, BufferComparator>;
+            std::unordered_multimap<const native_handle*, std::shared_ptr<ImportedBuffer>>;
 
     static Aidl2LegacyCameraDeviceCallback* fromOps(const camera3_callback_ops* ops);
 
     // pushBufferId for a buffer handed to the device, which also keeps the imported buffer alive
-    // until its id is popped.
+    // until the device gives the handle back.
     void pushBufferId(const BufferHandle& buffer, uint64_t bufferId, int streamId);
     // Records the id. mBufferIdLock held.
     void recordBufferIdLocked(const native_handle* handle, uint64_t bufferId, int streamId);
@@ -220,9 +220,10 @@ private:
     int32_t mBufferRequestTimeoutNs;
     std::map<int32_t, Camera3Stream> mStreamMap;
     std::mutex mBufferIdLock;
-    // Per stream, the imported buffers behind the keys of mBufferIdMap: the keys and the device's
-    // buffer_handle_t slots point into them, so they stay until the id is popped or this bridge
-    // goes, whatever the cache does meanwhile. Declared first so that it goes after the id map.
+    // Per stream, the imported buffers handed to the device: the keys of mBufferIdMap and the
+    // device's buffer_handle_t slots point into them, so each stays, whatever the cache does
+    // meanwhile, until the device gives that handle back (a pop with it, whether or not an id is
+    // found) or this bridge goes. Declared first so that it goes after the id map.
     std::unordered_map<int32_t, BufferOwners> mBufferOwners;  // guarded by mBufferIdLock
     std::unordered_map<int32_t, BufferIdMap> mBufferIdMap;    // guarded by mBufferIdLock
 };

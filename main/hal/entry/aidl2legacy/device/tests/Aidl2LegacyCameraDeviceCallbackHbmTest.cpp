@@ -379,6 +379,33 @@ TEST_F(HbmTest, BufferTheCacheDropsStaysWithTheDeviceUntilItComesBack) {
     }
 }
 
+// A framework that hands one buffer out twice in one answer: the device holds it twice, and it
+// stays open until both come back, whatever the cache does. The id goes with the first.
+TEST_F(HbmTest, BufferHandedOverTwiceStaysUntilBothComeBack) {
+    mFramework->setBufferRequestHandler([](const std::vector<BufferRequest>&,
+                                           std::vector<StreamBufferRet>* answers,
+                                           BufferRequestStatus* status) {
+        std::vector<StreamBuffer> buffers;
+        buffers.push_back(frameworkBuffer(5, 7));
+        buffers.push_back(frameworkBuffer(5, 7));
+        answers->push_back(frameworkAnswer(5, std::move(buffers)));
+        *status = BufferRequestStatus::OK;
+        return ndk::ScopedAStatus::ok();
+    });
+    DeviceBufferRequest twice({{stream(5), 2}});
+    ASSERT_EQ(CAMERA3_BUF_REQ_OK, twice.send(ops()));
+    const int fd = twice.handle(0, 1)->data[0];
+    mCacheMgr->removeBufferCaches({{5, 7}});
+    giveBack(twice, {{0, 0}});
+    EXPECT_TRUE(isOpen(fd));
+    giveBack(twice, {{0, 1}});
+    EXPECT_FALSE(isOpen(fd));
+    EXPECT_THAT(mFramework->returnedBuffers(),
+                ElementsAre(::testing::SizeIs(1), ::testing::SizeIs(1)));
+    EXPECT_THAT(idsOf(mFramework->returnedBuffers()[0]), ElementsAre(7));
+    EXPECT_THAT(idsOf(mFramework->returnedBuffers()[1]), ElementsAre(0));
+}
+
 // One capture through the whole library, the legacy device using the HAL buffer manager: the
 // request goes down through the session without a buffer (id 0), the device asks for one through
 // the table it was initialised with, and the shutter and the result come back up with the buffer's
