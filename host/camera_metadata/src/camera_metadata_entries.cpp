@@ -3,6 +3,7 @@
 
 #include <errno.h>
 #include <log/log.h>
+#include <stdlib.h>
 #include <string.h>
 #include <system/camera_metadata.h>
 
@@ -67,6 +68,12 @@ bool tagLess(const BufferEntry& a, const BufferEntry& b) {
     return a.tag < b.tag;
 }
 
+int compareTags(const void* a, const void* b) {
+    uint32_t left = static_cast<const BufferEntry*>(a)->tag;
+    uint32_t right = static_cast<const BufferEntry*>(b)->tag;
+    return (left > right) - (left < right);
+}
+
 template <typename Entry, typename Metadata>
 int findEntry(Metadata* src, uint32_t tag, Entry* entry) {
     if (src == nullptr) return kError;
@@ -76,8 +83,9 @@ int findEntry(Metadata* src, uint32_t tag, Entry* entry) {
     if (src->flags & kFlagSorted) {
         BufferEntry key{};
         key.tag = tag;
-        found = std::lower_bound(begin, end, key, tagLess);
-        if (found != end && found->tag != tag) found = end;
+        // The C library's search, so that of duplicate tags the same one is found as on a device.
+        auto* hit = bsearch(&key, begin, src->entry_count, sizeof(BufferEntry), compareTags);
+        if (hit != nullptr) found = static_cast<decltype(begin)>(hit);
     } else {
         found = std::find_if(begin, end, [tag](const BufferEntry& e) { return e.tag == tag; });
     }

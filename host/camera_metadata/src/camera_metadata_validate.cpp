@@ -1,9 +1,8 @@
-// Structural check of packets that arrive from another process. Every read goes through memcpy
-// from an offset proven to lie inside the packet, so any address alignment works and a
-// malformed packet is rejected without touching a byte outside it. Beyond the platform's own
-// checks, the header, entry slots and data blocks in use must be disjoint and in order: the
-// platform library never writes anything else, and a packet that passes can then be read,
-// cloned and changed without leaving its bytes.
+// Structural check of packets that arrive from another process. It makes the platform
+// library's checks, in its order and with its quirks, so that it accepts and rejects exactly the
+// same packets. Every read goes through memcpy, so any address alignment works. The one addition:
+// an entry record that would lie past the bytes held (the expected size, or else the packet's own
+// size) is rejected instead of read.
 #define LOG_TAG "camera_metadata"
 
 #include <inttypes.h>
@@ -19,12 +18,19 @@ using namespace android::metadata;
 namespace {
 
 // Checks one entry record; `header` is an aligned copy of the packet's header.
-bool validateEntry(const camera_metadata_t& header, const uint8_t* packet, uint32_t index) {
+bool validateEntry(const camera_metadata_t& header, const uint8_t* packet, size_t bytesHeld,
+                   uint32_t index) {
     size_t entryOffset = header.entries_start + sizeof(BufferEntry) * index;
     // Offsets are relative to the packet start: its aligned copy is what gets used.
     if (entryOffset % kEntryAlignment != 0) {
         ALOGE("%s: Entry index %" PRIu32 " had bad alignment (offset %zu), alignment should be %zu",
               __func__, index, entryOffset, kEntryAlignment);
+        return false;
+    }
+    // The platform library would read past the packet here.
+    if (entryOffset + sizeof(BufferEntry) > bytesHeld) {
+        ALOGE("%s: Entry index %" PRIu32 " (offset %zu) ends past the %zu bytes of the packet",
+              __func__, index, entryOffset, bytesHeld);
         return false;
     }
     BufferEntry entry;
@@ -68,12 +74,6 @@ bool validateEntry(const camera_metadata_t& header, const uint8_t* packet, uint3
         if (dataEnd < entry.data.offset || dataEnd > header.data_capacity) {
             ALOGE("%s: Entry index %" PRIu32 " data ends (%zu) beyond the capacity %" PRIu32,
                   __func__, index, dataEnd, header.data_capacity);
-            return false;
-        }
-        // Blocks past the data in use would be lost by a copy or a clone.
-        if (dataEnd > header.data_count) {
-            ALOGE("%s: Entry index %" PRIu32 " data ends (%zu) beyond the data in use (%" PRIu32 ")",
-                  __func__, index, dataEnd, header.data_count);
             return false;
         }
     } else if (entry.count == 0 && entry.data.offset != 0) {
@@ -123,8 +123,7 @@ int validate_camera_metadata_structure(const camera_metadata_t* metadata,
               header.data_count, header.data_capacity);
         return CAMERA_METADATA_VALIDATION_ERROR;
     }
-    // The entry count, not its byte size, is compared with data_start, as the platform library
-    // does; the byte extent of the entry slots is checked further down.
+    // The entry capacity, a count, is added to a byte offset, as the platform library does.
     uint32_t entriesEnd = header.entries_start + header.entry_capacity;
     if (entriesEnd < header.entries_start || entriesEnd > header.data_start) {
         ALOGE("%s: Entry start + capacity (%" PRIu32 ") should be <= data start (%" PRIu32 ")",
@@ -137,22 +136,10 @@ int validate_camera_metadata_structure(const camera_metadata_t* metadata,
               __func__, dataEnd, header.size);
         return CAMERA_METADATA_VALIDATION_ERROR;
     }
-    // The header, the entry slots and the data area must not overlap, so that whatever a caller
-    // later adds, updates or deletes stays inside the packet.
-    if (header.entries_start < sizeof(camera_metadata_t)) {
-        ALOGE("%s: Entries start (%" PRIu32 ") inside the header", __func__, header.entries_start);
-        return CAMERA_METADATA_VALIDATION_ERROR;
-    }
-    uint64_t entrySlotsEnd =
-            header.entries_start + uint64_t{sizeof(BufferEntry)} * header.entry_capacity;
-    if (entrySlotsEnd > header.data_start) {
-        ALOGE("%s: Entry slots end at %" PRIu64 ", past the data start (%" PRIu32 ")", __func__,
-              entrySlotsEnd, header.data_start);
-        return CAMERA_METADATA_VALIDATION_ERROR;
-    }
 
+    const size_t bytesHeld = expected_size != nullptr ? *expected_size : header.size;
     for (uint32_t i = 0; i < header.entry_count; ++i) {
-        if (!validateEntry(header, packet, i)) return CAMERA_METADATA_VALIDATION_ERROR;
+        if (!validateEntry(header, packet, bytesHeld, i)) return CAMERA_METADATA_VALIDATION_ERROR;
     }
     return shift == 0 ? 0 : CAMERA_METADATA_VALIDATION_SHIFTED;
 }

@@ -208,6 +208,40 @@ TEST(SortTest, OrdersByTagAndKeepsDuplicatesInInsertionOrder) {
     EXPECT_EQ(2, entry.data.i32[0]);
 }
 
+// A sorted packet is searched with the C library's bsearch, which stops at the first probe that
+// matches: among duplicates that is not necessarily the first one.
+TEST(SortTest, SortedSearchFindsTheDuplicateThatBsearchProbes) {
+    constexpr uint32_t kLow = ANDROID_CONTROL_AE_PRECAPTURE_ID;
+    constexpr uint32_t kMid = ANDROID_REQUEST_ID;
+    constexpr uint32_t kHigh = ANDROID_SENSOR_SENSITIVITY;
+    struct Case {
+        std::vector<uint32_t> tags;  // added in ascending order
+        uint32_t wanted;
+        int32_t foundIndex;  // the first probe that matches
+    };
+    const Case kCases[] = {
+            {{kMid, kMid}, kMid, 1},
+            {{kMid, kMid, kMid}, kMid, 1},
+            {{kMid, kMid, kMid, kMid}, kMid, 2},
+            {{kLow, kMid, kMid, kMid, kHigh}, kMid, 2},
+            {{kLow, kLow, kMid, kHigh}, kLow, 1},
+            {{kLow, kMid, kHigh, kHigh}, kHigh, 2},
+    };
+    for (const Case& c : kCases) {
+        MetadataPtr metadata(allocate_camera_metadata(c.tags.size(), 0));
+        for (size_t i = 0; i < c.tags.size(); ++i) {
+            const int32_t index = static_cast<int32_t>(i);
+            ASSERT_EQ(0, add_camera_metadata_entry(metadata.get(), c.tags[i], &index, 1));
+        }
+        // Marked sorted by hand, so that no sort can reorder the duplicates.
+        std::vector<uint8_t> image = bytesOf(metadata.get());
+        writeU32(image, kFlagsField, 1);
+        TailBuffer sorted(image);
+        EXPECT_THAT(findInt32(sorted.packet(), c.wanted), ElementsAre(c.foundIndex))
+                << c.tags.size() << " entries, found index " << c.foundIndex;
+    }
+}
+
 TEST(SortTest, APacketMarkedSortedIsLeftAsIs) {
     MetadataPtr metadata(allocate_camera_metadata(2, 0));
     uint8_t value = 1;

@@ -87,9 +87,9 @@ const Corruption kCorruptions[] = {
          [](std::vector<uint8_t>& i) { writeU32(i, kDataCapacityField, 41); }, kError},
         {"data start past the size",
          [](std::vector<uint8_t>& i) { writeU32(i, kDataStartField, 0xfffffff0u); }, kError},
-        {"entries overlapping the header",
+        {"entries read from the header",
          [](std::vector<uint8_t>& i) { writeU32(i, kEntriesStartField, 0); }, kError},
-        {"entry slots running into the data area",
+        {"entries read from the data area",
          [](std::vector<uint8_t>& i) { writeU32(i, kEntriesStartField, 120); }, kError},
         {"entries not 4-byte aligned",
          [](std::vector<uint8_t>& i) {
@@ -136,13 +136,21 @@ const Corruption kCorruptions[] = {
              writeU32(i, entryField(kExposureEntry, kDataField), 0xfffffff8u);
          },
          kError},
-        {"data past the bytes in use",
-         [](std::vector<uint8_t>& i) { writeU32(i, entryField(kFocalLengthsEntry, kDataField), 24); },
-         kError},
         {"no elements but an offset",
          [](std::vector<uint8_t>& i) { writeU32(i, entryField(kAeModeEntry, kCountField), 0); },
          kError},
         // What validation deliberately leaves alone.
+        {"data past the bytes in use but inside the capacity",
+         [](std::vector<uint8_t>& i) { writeU32(i, entryField(kFocalLengthsEntry, kDataField), 24); },
+         kValid},
+        {"entry slots whose bytes run into the data area",
+         [](std::vector<uint8_t>& i) { writeU32(i, kEntryCapacityField, 70); }, kValid},
+        {"entries overlapping the header",
+         [](std::vector<uint8_t>& i) {
+             writeU32(i, kEntryCountField, 0);
+             writeU32(i, kEntriesStartField, 0);
+         },
+         kValid},
         {"vendor tag of any type",
          [](std::vector<uint8_t>& i) {
              writeU32(i, entryField(kAeModeEntry, kTagField), 0x80000000u);
@@ -200,6 +208,25 @@ TEST(ValidateTest, EachCorruptionIsRejectedWithoutReadingOutsideThePacket) {
     }
 }
 
+// The platform would read such a record past the packet; it is rejected instead.
+TEST(ValidateTest, EntryRecordPastTheBytesHeldIsRejectedUnread) {
+    MetadataPtr empty(allocate_camera_metadata(0, 0));
+    std::vector<uint8_t> image = bytesOf(empty.get());
+    image.resize(kHeaderSize + 8);
+    writeU32(image, kSizeField, image.size());
+    writeU32(image, kEntryCountField, 1);
+    writeU32(image, kEntryCapacityField, 1);
+    writeU32(image, kDataStartField, image.size());
+    for (bool withSize : {true, false}) {
+        TailBuffer buffer(image);
+        size_t size = image.size();
+        LogCapture capture;
+        EXPECT_EQ(kError,
+                  validate_camera_metadata_structure(buffer.packet(), withSize ? &size : nullptr));
+        EXPECT_EQ(1u, capture.lines().size());
+    }
+}
+
 TEST(ValidateTest, EveryTruncationIsRejected) {
     const std::vector<uint8_t> valid = validImage();
     LogCapture quiet;
@@ -223,7 +250,8 @@ TEST(ValidateTest, EmptyPacketIsValidEverywhere) {
 }
 
 // Random damage to header and entry fields, with values near the edges. Whatever passes must be
-// readable, cloneable and changeable without leaving the packet's bytes.
+// readable and cloneable without leaving the packet's bytes: validation makes no promise about
+// changing a packet in place.
 TEST(ValidateTest, AcceptedDamagedPacketsStayInsideTheirBytes) {
     const std::vector<uint8_t> valid = validImage();
     const uint32_t kEdges[] = {0,   1,   4,    8,          16,         24,         40,
@@ -267,15 +295,152 @@ TEST(ValidateTest, AcceptedDamagedPacketsStayInsideTheirBytes) {
 
         touchEveryValue(packet);
         MetadataPtr clone(clone_camera_metadata(packet));
-        if (clone != nullptr) touchEveryValue(clone.get());
-
-        const int64_t values[4] = {};
-        add_camera_metadata_entry(packet, ANDROID_SENSOR_FRAME_DURATION, values, 2);
-        update_camera_metadata_entry(packet, 0, values, 3, nullptr);
-        delete_camera_metadata_entry(packet, 1);
-        sort_camera_metadata(packet);
-        touchEveryValue(packet);
     }
     // The damage must leave enough packets valid for the walk above to mean something.
     EXPECT_GT(accepted, 500);
+}
+
+namespace {
+
+struct BitFlip {
+    const char* why;  // the rule that decides
+    size_t offset;    // of the 32-bit field
+    unsigned bit;
+    int expected;
+};
+
+std::vector<uint8_t> flipped(const std::vector<uint8_t>& image, size_t offset, unsigned bit) {
+    std::vector<uint8_t> copy = image;
+    copy[offset + bit / 8] ^= static_cast<uint8_t>(1u << (bit % 8));
+    return copy;
+}
+
+// The valid image holds: size 168, entry count 4 of capacity 5, entries at 48, data count 24 of
+// capacity 40, data at 128. Each result follows from the checks alone, in their order.
+const BitFlip kBitFlips[] = {
+        {"size 169 above the bytes held", kSizeField, 0, kError},
+        {"data end 168 past size 160", kSizeField, 3, kError},
+        {"count 6 above capacity 5", kEntryCountField, 1, kError},
+        {"count 5 reaches the zeroed spare slot: an empty entry of tag 0", kEntryCountField, 0,
+         kValid},
+        {"capacity 7: entries start + 7 (a count, not bytes) <= data start", kEntryCapacityField, 1,
+         kValid},
+        {"capacity 69: 48 + 69 <= 128", kEntryCapacityField, 6, kValid},
+        {"capacity 133: 48 + 133 > 128", kEntryCapacityField, 7, kError},
+        {"entries at 49 are not 4-aligned", kEntriesStartField, 0, kError},
+        {"record read at 52 has tag 1 (rational) but type float", kEntriesStartField, 2, kError},
+        {"record read at 32 has type 0xff", kEntriesStartField, 4, kError},
+        {"data count 25 need not be aligned", kDataCountField, 0, kValid},
+        {"data count 8: blocks past the data in use are not checked", kDataCountField, 4, kValid},
+        {"data count 56 above capacity 40", kDataCountField, 5, kError},
+        {"capacity 32 still holds every block and ends at 160 <= 168", kDataCapacityField, 3,
+         kValid},
+        {"data end 169 past size", kDataCapacityField, 0, kError},
+        {"entries end 53 past data start 0", kDataStartField, 7, kError},
+        {"frame duration is int64 too", entryField(kExposureEntry, kTagField), 0, kValid},
+        {"sensitivity is int32, not int64", entryField(kExposureEntry, kTagField), 1, kError},
+        {"vendor tags are not type-checked", entryField(kExposureEntry, kTagField), 31, kValid},
+        {"section 0x4001 has no tags", entryField(kAeModeEntry, kTagField), 30, kError},
+        {"AE lock is a byte too", entryField(kAeModeEntry, kTagField), 0, kValid},
+        {"no elements and offset 0", entryField(kExposureEntry, kCountField), 0, kValid},
+        {"5 int64 end at 40 <= capacity, past the data in use",
+         entryField(kExposureEntry, kCountField), 2, kValid},
+        {"9 int64 end at 72 > capacity", entryField(kExposureEntry, kCountField), 3, kError},
+        {"one float is inline: its old offset is payload",
+         entryField(kFocalLengthsEntry, kCountField), 1, kValid},
+        {"7 floats end at 40 <= capacity", entryField(kFocalLengthsEntry, kCountField), 2, kValid},
+        {"no elements but inline bytes 42", entryField(kRequestIdEntry, kCountField), 0, kError},
+        {"3 int32 go out of line at offset 42, not 8-aligned",
+         entryField(kRequestIdEntry, kCountField), 1, kError},
+        {"3 bytes stay inline", entryField(kAeModeEntry, kCountField), 1, kValid},
+        {"5 bytes go out of line at offset 1, not 8-aligned", entryField(kAeModeEntry, kCountField),
+         2, kError},
+        {"offset 4 is not 8-aligned", entryField(kExposureEntry, kDataField), 2, kError},
+        {"offset 32: ends at 40, capacity not count decides",
+         entryField(kExposureEntry, kDataField), 5, kValid},
+        {"offset 24: ends at 40 <= capacity", entryField(kFocalLengthsEntry, kDataField), 4, kValid},
+        {"offset 40: ends at 56 > capacity", entryField(kFocalLengthsEntry, kDataField), 5, kError},
+        {"int64 stored as float", entryField(kExposureEntry, kTypeField), 0, kError},
+        {"byte stored as int32", entryField(kAeModeEntry, kTypeField), 0, kError},
+};
+
+// Every bit of the header and of the entry slots, and a taste of the data area.
+struct SweptField {
+    const char* name;
+    size_t offset;
+    size_t bytes;
+    bool checked;  // whether any check reads it
+};
+
+std::vector<SweptField> sweptFields() {
+    std::vector<SweptField> fields = {
+            {"size", kSizeField, 4, true},
+            {"version", kVersionField, 4, false},
+            {"flags", kFlagsField, 4, false},
+            {"entry count", kEntryCountField, 4, true},
+            {"entry capacity", kEntryCapacityField, 4, true},
+            {"entries start", kEntriesStartField, 4, true},
+            {"data count", kDataCountField, 4, true},
+            {"data capacity", kDataCapacityField, 4, true},
+            {"data start", kDataStartField, 4, true},
+            {"padding", kPaddingField, 4, false},
+            {"vendor id", kVendorIdField, 8, false},
+            {"spare entry slot", entryField(4, kTagField), kEntrySize, false},
+            {"data area", kDataStart, 40, false},
+    };
+    for (size_t entry : {kExposureEntry, kFocalLengthsEntry, kRequestIdEntry, kAeModeEntry}) {
+        const bool inlineValue = entry == kRequestIdEntry || entry == kAeModeEntry;
+        fields.push_back({"tag", entryField(entry, kTagField), 4, true});
+        fields.push_back({"count", entryField(entry, kCountField), 4, true});
+        // An inline payload is looked at only when the count is 0.
+        fields.push_back({"data", entryField(entry, kDataField), 4, !inlineValue});
+        fields.push_back({"type", entryField(entry, kTypeField), 1, true});
+        fields.push_back({"reserved", entryField(entry, kTypeField) + 1, 3, false});
+    }
+    return fields;
+}
+
+}  // namespace
+
+TEST(ValidateBitFlipTest, SingleFlipsGiveThePlatformsAnswer) {
+    const std::vector<uint8_t> valid = validImage();
+    LogCapture quiet;
+    for (const BitFlip& flip : kBitFlips) {
+        EXPECT_EQ(flip.expected, validate(flipped(valid, flip.offset, flip.bit)))
+                << flip.why << " (offset " << flip.offset << ", bit " << flip.bit << ")";
+    }
+}
+
+// Under the address sanitizer this also proves that no flip makes validation leave the packet.
+TEST(ValidateBitFlipTest, EverySingleFlipKeepsTheInvariants) {
+    const std::vector<uint8_t> valid = validImage();
+    LogCapture quiet;
+    size_t accepted = 0;
+    for (const SweptField& field : sweptFields()) {
+        for (unsigned bit = 0; bit < 8 * field.bytes; ++bit) {
+            SCOPED_TRACE(::testing::Message()
+                         << field.name << " at " << field.offset << ", bit " << bit);
+            const std::vector<uint8_t> image = flipped(valid, field.offset, bit);
+            const int result = validate(image);
+            ASSERT_TRUE(result == kValid || result == kError) << result;
+            if (!field.checked) {
+                EXPECT_EQ(kValid, result);
+            }
+            // Alignment is judged relative to the packet start.
+            EXPECT_EQ(result == kValid ? kShifted : kError, validate(image, 4));
+            // Only the size field is compared with the bytes held.
+            if (field.offset != kSizeField) {
+                TailBuffer buffer(image);
+                EXPECT_EQ(result, validate_camera_metadata_structure(buffer.packet(), nullptr));
+            }
+            if (result == kValid) {
+                ++accepted;
+                TailBuffer buffer(image);
+                touchEveryValue(buffer.packet());
+                MetadataPtr clone(clone_camera_metadata(buffer.packet()));
+                EXPECT_NE(nullptr, clone);
+            }
+        }
+    }
+    EXPECT_GT(accepted, 0u);
 }

@@ -1,6 +1,8 @@
 // camera_harness: plays the camera provider and the camera framework over the AIDL camera device
 // adapter, drives a legacy HAL3 module (the virtual camera by default) and reports.
 
+#include <Aidl2LegacyCameraModule.h>
+#include <camera_module_extensions.h>
 #include <cutils/properties.h>
 #include <dlfcn.h>
 #include <unistd.h>
@@ -63,9 +65,8 @@ void addVirtualCameraOption(const char* item) {
 bool moduleHasReadoutTimestamps(const std::string& modulePath, int32_t cameraId) {
     void* library = dlopen(modulePath.c_str(), RTLD_NOW | RTLD_NOLOAD);
     if (library == nullptr) return false;
-    using HasReadoutTimestamp = int (*)(int);
-    auto entry = reinterpret_cast<HasReadoutTimestamp>(
-            dlsym(library, "tarnic_camera_has_readout_timestamp"));
+    auto entry = reinterpret_cast<tarnic_camera_has_readout_timestamp_t>(
+            dlsym(library, TARNIC_CAMERA_HAS_READOUT_TIMESTAMP_SYM));
     bool has = entry != nullptr && entry(cameraId) != 0;
     dlclose(library);
     return has;
@@ -103,6 +104,11 @@ int run(const Options& options) {
     std::unique_ptr<TraceFile> trace;
     if (!options.tracePath.empty()) trace = std::make_unique<TraceFile>();
     CpuMeter meter(trace.get());
+
+    // The module's share of the CPU, measured by the module library around every call into it.
+    using kovo::aidl2legacy::Aidl2LegacyCameraModule;
+    Aidl2LegacyCameraModule::setModuleCpuMeterEnabled(true);
+    CpuMeter::setModuleClock(&Aidl2LegacyCameraModule::threadCpuInsideModuleNs);
 
     std::string error;
     std::unique_ptr<Provider> provider = Provider::load(modulePath, &error);

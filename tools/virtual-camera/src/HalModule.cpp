@@ -131,3 +131,5 @@ static_assert(std::is_same_v<decltype(&tarnic_camera_get_torch_strength_level),
                              tarnic_camera_get_torch_strength_level_t>);
 static_assert(std::is_same_v<decltype(&tarnic_camera_turn_on_torch_with_strength_level),
                              tarnic_camera_turn_on_torch_with_strength_level_t>);
+static_assert(std::is_same_v<decltype(&tarnic_camera_has_readout_timestamp),
+                             tarnic_camera_has_readout_timestamp_t>);

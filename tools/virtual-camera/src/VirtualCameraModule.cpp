@@ -248,12 +248,22 @@ int VirtualCameraModule::torchCheckLocked(Camera* camera, const char* cameraId) 
     return 0;
 }
 
+void VirtualCameraModule::turnOffTorchLocked(Camera& camera) {
+    camera.torchOn = false;
+    // The next time it comes on, the torch starts from the default strength.
+    camera.torchLevel = kTorchDefaultLevel;
+}
+
 int VirtualCameraModule::setTorchMode(const char* cameraId, bool enabled) {
     {
         std::lock_guard<std::mutex> guard(mLock);
         Camera* camera = publicCameraLocked(cameraId);
         if (int status = torchCheckLocked(camera, cameraId); status != 0) return status;
-        camera->torchOn = enabled;
+        if (enabled) {
+            camera->torchOn = true;
+        } else {
+            turnOffTorchLocked(*camera);
+        }
     }
     torchStatusChanged(cameraId,
                        enabled ? TORCH_MODE_STATUS_AVAILABLE_ON : TORCH_MODE_STATUS_AVAILABLE_OFF);
@@ -306,7 +316,7 @@ void VirtualCameraModule::deviceOpenChanged(const std::string& cameraId, bool op
         std::lock_guard<std::mutex> guard(mLock);
         Camera* camera = publicCameraLocked(cameraId.c_str());
         if (camera == nullptr || !camera->characteristics->description().flash) return;
-        camera->torchOn = false;
+        turnOffTorchLocked(*camera);
     }
     // An open camera owns its flash unit.
     torchStatusChanged(cameraId,

@@ -64,6 +64,7 @@ private:
     Camera* publicCameraLocked(const char* cameraId);
     // Checks shared by the torch entries; 0 when the torch of `camera` may change.
     int torchCheckLocked(Camera* camera, const char* cameraId);
+    void turnOffTorchLocked(Camera& camera);
     void torchStatusChanged(const std::string& cameraId, int status);
     void deviceOpenChanged(const std::string& cameraId, bool open);
     int checkCombinationLocked(int cameraId, const camera_stream_combination_t* streams);

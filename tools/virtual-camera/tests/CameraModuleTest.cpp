@@ -5,8 +5,11 @@
 #include <system/camera_metadata.h>
 #include <system/graphics.h>
 
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "VirtualCameraFixture.h"
 
@@ -275,24 +278,35 @@ TEST_F(ModuleTest, ReconfigurationIsRequiredOnlyWhenASessionKeyChanges) {
     EXPECT_EQ(required(nullptr, nullptr), -EINVAL);
 }
 
-TEST_F(ModuleTest, TorchBelongsToTheFlashCameraWhileItIsClosed) {
+// The torch strength entries of the module's extension.
+class TorchTest : public ModuleTest {
+protected:
+    void SetUp() override {
+        ModuleTest::SetUp();
+        ASSERT_NE(mGetLevel, nullptr);
+        ASSERT_NE(mTurnOn, nullptr);
+    }
+
+    const tarnic_camera_get_torch_strength_level_t mGetLevel =
+            extension<tarnic_camera_get_torch_strength_level_t>(
+                    TARNIC_CAMERA_GET_TORCH_STRENGTH_LEVEL_SYM);
+    const tarnic_camera_turn_on_torch_with_strength_level_t mTurnOn =
+            extension<tarnic_camera_turn_on_torch_with_strength_level_t>(
+                    TARNIC_CAMERA_TURN_ON_TORCH_WITH_STRENGTH_LEVEL_SYM);
+};
+
+TEST_F(TorchTest, TorchBelongsToTheFlashCameraWhileItIsClosed) {
     ASSERT_EQ(module()->set_callbacks(mRecorder.moduleCallbacks()), 0);
-    auto getLevel = extension<tarnic_camera_get_torch_strength_level_t>(
-            TARNIC_CAMERA_GET_TORCH_STRENGTH_LEVEL_SYM);
-    auto turnOn = extension<tarnic_camera_turn_on_torch_with_strength_level_t>(
-            TARNIC_CAMERA_TURN_ON_TORCH_WITH_STRENGTH_LEVEL_SYM);
-    ASSERT_NE(getLevel, nullptr);
-    ASSERT_NE(turnOn, nullptr);
 
     EXPECT_EQ(module()->set_torch_mode("1", true), -ENOSYS);
     EXPECT_EQ(module()->set_torch_mode("7", true), -EINVAL);
     EXPECT_EQ(module()->set_torch_mode("0", true), 0);
-    EXPECT_EQ(turnOn("0", 11), -EINVAL);
-    EXPECT_EQ(turnOn("0", 7), 0);
+    EXPECT_EQ(mTurnOn("0", 11), -EINVAL);
+    EXPECT_EQ(mTurnOn("0", 7), 0);
     int32_t level = 0;
-    EXPECT_EQ(getLevel("0", &level), 0);
+    EXPECT_EQ(mGetLevel("0", &level), 0);
     EXPECT_EQ(level, 7);
-    EXPECT_EQ(getLevel("1", &level), -ENOSYS);
+    EXPECT_EQ(mGetLevel("1", &level), -ENOSYS);
 
     ASSERT_NE(openCamera("0"), nullptr);
     EXPECT_EQ(module()->set_torch_mode("0", false), -EBUSY);
@@ -302,6 +316,23 @@ TEST_F(ModuleTest, TorchBelongsToTheFlashCameraWhileItIsClosed) {
                                                            {"0", TORCH_MODE_STATUS_AVAILABLE_ON},
                                                            {"0", TORCH_MODE_STATUS_NOT_AVAILABLE},
                                                            {"0", TORCH_MODE_STATUS_AVAILABLE_OFF}}));
+}
+
+// A torch that goes off, by request or because its camera opens, forgets its strength.
+TEST_F(TorchTest, TorchTurnedOffReturnsToTheDefaultStrength) {
+    const std::vector<std::pair<const char*, std::function<void()>>> turnOffs = {
+            {"set_torch_mode", [&] { EXPECT_EQ(module()->set_torch_mode("0", false), 0); }},
+            {"open", [&] {
+                 ASSERT_NE(openCamera("0"), nullptr);
+                 closeCamera();
+             }}};
+    for (const auto& [name, turnOff] : turnOffs) {
+        ASSERT_EQ(mTurnOn("0", 3), 0) << name;
+        turnOff();
+        int32_t level = 0;
+        EXPECT_EQ(mGetLevel("0", &level), 0) << name;
+        EXPECT_EQ(level, 5) << name;
+    }
 }
 
 TEST_F(ModuleTest, OpenIsExclusiveAndCloseIsIdempotent) {

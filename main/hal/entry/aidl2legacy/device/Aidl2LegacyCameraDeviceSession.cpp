@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 
 #include "Aidl2LegacyCameraDeviceCallback.h"
 
@@ -226,10 +227,11 @@ ndk::ScopedAStatus Aidl2LegacyCameraDeviceSession::configureStreams(
     }
 
     const size_t streamCount = requestedConfiguration.streams.size();
-    std::vector<camera3_stream_t*> streams(streamCount);
+    // A real array even for no streams: devices may test the pointer before the count.
+    auto streams = std::make_unique<camera3_stream_t*[]>(streamCount);
     camera3_stream_configuration configuration{};
     configuration.num_streams = static_cast<uint32_t>(streamCount);
-    configuration.streams = streams.data();
+    configuration.streams = streams.get();
     configuration.operation_mode = static_cast<uint32_t>(requestedConfiguration.operationMode);
     convertMetadata(requestedConfiguration.sessionParams, configuration.session_parameters);
     configuration.input_is_multi_resolution = requestedConfiguration.multiResolutionInputImage;

@@ -52,4 +52,12 @@ typedef int (*tarnic_camera_get_torch_strength_level_t)(const char* camera_id, i
 typedef int (*tarnic_camera_turn_on_torch_with_strength_level_t)(const char* camera_id,
                                                                  int32_t level);
 
+/*
+ * Whether the shutter messages of camera `camera_id` carry the readout timestamp that follows
+ * `timestamp` in camera3_shutter_msg (returns non-zero) or are the standard message without it
+ * (returns 0). Absent: the standard message.
+ */
+#define TARNIC_CAMERA_HAS_READOUT_TIMESTAMP_SYM "tarnic_camera_has_readout_timestamp"
+typedef int (*tarnic_camera_has_readout_timestamp_t)(int camera_id);
+
 __END_DECLS

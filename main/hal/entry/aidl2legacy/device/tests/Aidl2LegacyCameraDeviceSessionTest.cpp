@@ -391,6 +391,17 @@ TEST_F(SessionConfigureTest, StreamFlushNamesTheConfiguredRecords) {
     EXPECT_TRUE(hasStatus(mSession->signalStreamFlush({2}, 0), -EINVAL));
 }
 
+// A device may test the array before looking at the count.
+TEST_F(SessionConfigureTest, EmptyConfigurationHandsTheDeviceARealStreamArray) {
+    EXPECT_CALL(mLegacy.mock(), configureStreams(_))
+            .WillOnce([](camera3_stream_configuration_t* configuration) {
+                EXPECT_EQ(0u, configuration->num_streams);
+                return configuration->streams == nullptr ? -EINVAL : 0;
+            });
+    EXPECT_TRUE(configure(configurationOf({})).isOk());
+    EXPECT_THAT(mHalStreams, IsEmpty());
+}
+
 // The device's 0 means "needed", -EINVAL "not needed"; anything else leaves the flag alone.
 TEST_F(SessionConfigureTest, ReconfigurationQueryMapsTheDeviceAnswer) {
     testing::MetadataPtr oldParams = makeMetadata(1);

@@ -22,6 +22,11 @@
 #include "FakeModuleLibrary.h"
 #include "OpenFds.h"
 
+// The process's copy of a symbol the fake modules carry as well.
+extern "C" int tarnic_fake_shared_symbol() {
+    return FAKE_OWN_COPY + 1;
+}
+
 namespace kovo::aidl2legacy {
 namespace {
 
@@ -118,8 +123,10 @@ TEST(ModuleInterfaceTest, ObjectWithoutModuleFailsEveryOperationCleanly) {
                 ::testing::Each(-ENODEV));
     EXPECT_EQ(nullptr, module.constructDefaultRequestSettings(0, 1));
     EXPECT_EQ(0, module.getNumberOfCameras());
-    EXPECT_EQ(nullptr, device);
     EXPECT_EQ(nullptr, metadata);
+    // What a device goes on with is refused at once instead of crashing.
+    ASSERT_NE(nullptr, device);
+    EXPECT_EQ(-ENODEV, device->ops->initialize(device, nullptr));
 }
 
 // init only from 2.4 and set_callbacks only from 2.1; both before anything else. Camera 1 has a
@@ -169,7 +176,7 @@ TEST_F(ModuleTest, FailingBringUpStepStopsItAndGivesNoModule) {
 }
 
 // A missing file or one without a module record: the loader's message is logged and nothing stays
-// loaded.
+// loaded (none of its code has run as a module's).
 TEST_F(ModuleTest, LibrariesThatAreNoModuleAreReportedAndClosed) {
     for (const char* path : {"camera.missing-module.so", NO_HMI_MODULE_PATH}) {
         void* library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
@@ -185,12 +192,40 @@ TEST_F(ModuleTest, LibrariesThatAreNoModuleAreReportedAndClosed) {
     }
 }
 
-// The variant without the optional entry points, which the fixture does not hold open: the module
-// object holds the only reference to it.
-TEST(ModuleWithoutExtensionsTest, AnswersTheFallbacksAndUnloadsWhenDestroyed) {
+// RTLD_LOCAL keeps a module's symbols to itself, not its calls: they bind to the process's copy
+// of a symbol it carries too. RTLD_DEEPBIND, where offered, makes it use its own.
+TEST_F(ModuleTest, ModuleUsesItsOwnCopyOfASymbolOnlyWhenDeepBound) {
+    bringUp();
+    auto sharedSymbol = [](const char* path) {
+        void* library = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
+        if (library == nullptr) return -1;
+        auto call = reinterpret_cast<int (*)()>(dlsym(library, "fake_camera_module_shared_symbol"));
+        const int copy = call != nullptr ? call() : -1;
+        dlclose(library);
+        return copy;
+    };
+    EXPECT_EQ(FAKE_OWN_COPY + 1, sharedSymbol(FAKE_MODULE_PATH));
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "sanitizer runtimes refuse RTLD_DEEPBIND";
+#elif !defined(RTLD_DEEPBIND)
+    int32_t status = 0;
+    EXPECT_EQ(nullptr, Module::createFromLibrary(FAKE_DEEPBIND_MODULE_PATH, {}, &status,
+                                                 Module::LibraryIsolation::kDeepBind));
+    EXPECT_EQ(-ENOSYS, status);
+#else
+    auto deepBound = Module::createFromLibrary(FAKE_DEEPBIND_MODULE_PATH, {}, nullptr,
+                                               Module::LibraryIsolation::kDeepBind);
+    ASSERT_NE(nullptr, deepBound);
+    EXPECT_EQ(FAKE_OWN_COPY, sharedSymbol(FAKE_DEEPBIND_MODULE_PATH));
+#endif
+}
+
+// The variant without the optional entry points, which the fixture does not hold open: it stays
+// loaded after the module object is gone, as the module's threads might still run.
+TEST(ModuleWithoutExtensionsTest, AnswersTheFallbacksAndStaysLoaded) {
     android::testing::LogCapture log;
     const char* path = FAKE_BASIC_MODULE_PATH;
-    ASSERT_EQ(nullptr, dlopen(path, RTLD_NOW | RTLD_NOLOAD));
     const size_t fdsBefore = testing::countOpenFds();
     {
         auto module = Module::createFromLibrary(path, {}, nullptr);
@@ -209,7 +244,9 @@ TEST(ModuleWithoutExtensionsTest, AnswersTheFallbacksAndUnloadsWhenDestroyed) {
         ASSERT_EQ(0, module->openDevice("0", &device));
         EXPECT_EQ(0, device->common.close(&device->common));
     }
-    EXPECT_EQ(nullptr, dlopen(path, RTLD_NOW | RTLD_NOLOAD));
+    void* stillLoaded = dlopen(path, RTLD_NOW | RTLD_NOLOAD);
+    EXPECT_NE(nullptr, stillLoaded);
+    if (stillLoaded != nullptr) dlclose(stillLoaded);
     EXPECT_EQ(fdsBefore, testing::countOpenFds());
 }
 
@@ -297,7 +334,34 @@ TEST_F(ModuleTest, StatusChangesReachTheCurrentListenerOnly) {
     EXPECT_THAT(second.events, ElementsAre(Event("2", CAMERA_DEVICE_STATUS_PRESENT)));
 }
 
-// Ids past the built-in cameras ("7") are the module's to judge; camera 1's device is too old.
+// Announcements make any id usable or unusable; a built-in camera too old stays unusable.
+TEST_F(ModuleTest, AnnouncedCamerasBecomeUsableAndUnusable) {
+    bringUp();
+    camera_info info{};
+    camera3_device_t* device = nullptr;
+    EXPECT_EQ(-ENODEV, mModule->getCameraInfo(1000, &info));
+    EXPECT_EQ(-ENODEV, mModule->openDevice("1000", &device));
+
+    mFake.fireDeviceStatus(1000, CAMERA_DEVICE_STATUS_PRESENT);
+    mFake.fireDeviceStatus(1, CAMERA_DEVICE_STATUS_PRESENT);
+    EXPECT_EQ((std::vector<int32_t>{0, 1000}), mModule->getUsableCameraIds());
+    mModule->openDevice("1000", &device);
+    mModule->getCameraInfo(1000, &info);
+    EXPECT_TRUE(mFake.called("open(1000);get_camera_info(1000);")) << mFake.calls();
+
+    mFake.fireDeviceStatus(1000, CAMERA_DEVICE_STATUS_NOT_PRESENT);
+    mFake.fireDeviceStatus(0, CAMERA_DEVICE_STATUS_ENUMERATING);
+    EXPECT_EQ(std::vector<int32_t>{}, mModule->getUsableCameraIds());
+    const std::string callsBefore = mFake.calls();
+    EXPECT_EQ(-ENODEV, mModule->openDevice("1000", &device));
+    EXPECT_EQ(-ENODEV, mModule->openDevice("0", &device));
+    EXPECT_EQ(-ENODEV, mModule->getCameraInfo(0, &info));
+    EXPECT_EQ(callsBefore, mFake.calls());
+    mFake.fireDeviceStatus(0, CAMERA_DEVICE_STATUS_PRESENT);
+    EXPECT_EQ(std::vector<int32_t>{0}, mModule->getUsableCameraIds());
+}
+
+// Ids past the built-in cameras ("7") were never announced; camera 1's device is too old.
 TEST_F(ModuleTest, OpenDeviceOpensOnlyUsableCamerasNamedByADecimalId) {
     bringUp();
     camera3_device_t* opened = nullptr;
@@ -305,20 +369,29 @@ TEST_F(ModuleTest, OpenDeviceOpensOnlyUsableCamerasNamedByADecimalId) {
     EXPECT_EQ(static_cast<uint32_t>(CAMERA_DEVICE_API_VERSION_3_5), opened->common.version);
     EXPECT_EQ(&mFake.module().common, opened->common.module);
     EXPECT_EQ(0, opened->common.close(&opened->common));
-    for (const char* id : {"", "abc", "-1", "-0", "0 ", "99999999999", "1", "7"}) {
+    // The refused ones still hand out a device, whose initialize answers the status.
+    for (const auto& [id, status] :
+         std::vector<std::pair<const char*, int32_t>>{{"", -EINVAL},
+                                                      {"abc", -EINVAL},
+                                                      {"-1", -EINVAL},
+                                                      {"-0", -EINVAL},
+                                                      {"0 ", -EINVAL},
+                                                      {"99999999999", -EINVAL},
+                                                      {"1", -ENODEV},
+                                                      {"7", -ENODEV},
+                                                      {nullptr, -EINVAL}}) {
         mFake.reset();
         camera3_device_t* device = nullptr;
-        EXPECT_EQ(id == std::string("1") ? -ENODEV : -EINVAL, mModule->openDevice(id, &device))
-                << id;
-        EXPECT_EQ(nullptr, device) << id;
-        EXPECT_EQ(id == std::string("7"), mFake.called("open(")) << id;
+        EXPECT_EQ(status, mModule->openDevice(id, &device)) << id;
+        ASSERT_NE(nullptr, device) << id;
+        EXPECT_EQ(status, device->ops->initialize(device, nullptr)) << id;
+        EXPECT_FALSE(mFake.called("open(")) << id;
     }
-    camera3_device_t* device = nullptr;
-    EXPECT_EQ(-EINVAL, mModule->openDevice(nullptr, &device));
+    EXPECT_EQ(-EINVAL, mModule->openDevice("0", nullptr));
 
+    camera3_device_t* device = nullptr;
     mFake.script().opened_device_version = CAMERA_DEVICE_API_VERSION_3_1;
     EXPECT_EQ(-ENODEV, mModule->openDevice("0", &device));
-    EXPECT_EQ(nullptr, device);
     EXPECT_TRUE(mFake.called("open(0);close(0);"));
 }
 

@@ -150,6 +150,15 @@ static const camera_module_t kModule = {
         .is_stream_combination_supported = isStreamCombinationSupported,
 };
 
+/* A symbol the test program defines too, as a platform library both would carry. */
+EXPORT __attribute__((noinline)) int tarnic_fake_shared_symbol(void) {
+    return FAKE_OWN_COPY;
+}
+
+EXPORT int fake_camera_module_shared_symbol(void) {
+    return tarnic_fake_shared_symbol();
+}
+
 EXPORT void fake_camera_module_reset(void) {
     pthread_mutex_lock(&sLock);
     HAL_MODULE_INFO_SYM = kModule;
@@ -204,6 +213,10 @@ EXPORT int tarnic_camera_get_session_characteristics(int camera_id,
     recordCall(",%p);", (const void*)session_parameters);
     *characteristics = fake_camera_module_metadata[FAKE_SESSION_CHARACTERISTICS];
     return 0;
+}
+
+EXPORT int tarnic_camera_has_readout_timestamp(int camera_id) {
+    return camera_id == 0;
 }
 
 EXPORT int tarnic_camera_get_torch_strength_level(const char* camera_id, int32_t* level) {

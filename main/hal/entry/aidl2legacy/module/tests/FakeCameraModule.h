@@ -4,6 +4,8 @@
  * open the same .so with dlopen to reach the symbols below, then hand its path to the factory,
  * which gets the same loaded copy.
  *
+ * The variant with extensions declares readout timestamps for camera 0 only.
+ *
  * Two built-in cameras: camera 0 (device 3.5, torch) and camera 1 (device 3.1, too old), both
  * with the stream configurations of FakeCameraModule.c; physical cameras 2 and 3. Every call is
  * appended to a log, with the streams of combination queries; the log is guarded by a lock, so
@@ -37,6 +39,11 @@ enum {
     FAKE_STILL_CAPTURE_SETTINGS,
     FAKE_METADATA_COUNT
 };
+
+/* Which copy of tarnic_fake_shared_symbol() the module's own calls reach: FAKE_OWN_COPY for the
+ * module's, another value for the test program's. */
+#define FAKE_OWN_COPY 2
+int fake_camera_module_shared_symbol(void);
 
 /* Restores the script and HMI (version 2.5), clears the log and forgets the callbacks. */
 void fake_camera_module_reset(void);
