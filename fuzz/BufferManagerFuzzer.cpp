@@ -102,6 +102,8 @@ void request(FuzzedDataProvider& in, fuzz::BridgeFixture& fixture, int64_t& last
     for (uint32_t i = 0; i < returned; ++i) {
         // The device reads the status as an integer: the framework may send any value.
         if (enumValue(records[i].status) != CAMERA3_PS_BUF_REQ_OK) continue;
+        // An error entry whose value happens to be OK hands over nothing.
+        if (givenIds[i].size() < records[i].num_output_buffers) continue;
         for (uint32_t j = 0; j < records[i].num_output_buffers; ++j) {
             camera3_stream_buffer& buffer = records[i].output_buffers[j];
             // The device owns the duplicated acquire fence.
