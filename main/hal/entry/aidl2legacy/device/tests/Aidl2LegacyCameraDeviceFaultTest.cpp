@@ -136,13 +136,7 @@ TEST_F(FaultTest, ResultsToAFrameworkThatNeverDrainsKeepTheirMetadata) {
     EXPECT_EQ(0u, reader.availableToRead());
 }
 
-// A thousand cycles take a few seconds in a plain build; a sanitizer makes each several times
-// slower, so those builds run a fifth of them.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kCycles = 200;
-#else
 constexpr int kCycles = 1000;
-#endif
 
 class SessionFaultTest : public testing::LoggingTest {
 protected:
