@@ -148,6 +148,10 @@ bool parseOptions(const std::vector<std::string>& args, Options* options, std::s
             options->jsonFrames = true;
             continue;
         }
+        if (arg == "--soak") {
+            options->soak = true;
+            continue;
+        }
         std::string name = arg;
         std::optional<std::string> value;
         if (size_t equals = arg.find('='); arg.starts_with("--") && equals != std::string::npos) {
@@ -199,6 +203,8 @@ legacy HAL3 module (the virtual camera by default), checks the protocol and repo
   --json FILE            write the full report as JSON
   --json-frames          add every frame's timestamps and latencies to the JSON report
   --trace FILE           write a Chrome/Perfetto JSON trace of the adapter and the harness
+  --soak                 sample memory and open fds during the run and fail when either grows
+                         in the steady state beyond the harness's own records
   --help                 this text
 
 Scenarios:

@@ -48,6 +48,7 @@ struct Options {
     std::string jsonPath;
     bool jsonFrames = false;  // per-frame detail in the JSON report
     std::string tracePath;
+    bool soak = false;  // sample memory and fds during the run; growth breaks a rule
     bool help = false;
 };
 

@@ -25,6 +25,7 @@
 #include "Provider.h"
 #include "Report.h"
 #include "SessionDriver.h"
+#include "Soak.h"
 #include "TraceFile.h"
 
 namespace camera_harness {
@@ -158,10 +159,13 @@ int run(const Options& options) {
     if (options.jsonFrames) state->recordFrames();
     SessionDriver driver(device, camera, plan, state, trace.get());
     RunOutcome outcome;
+    SoakMonitor soak;
+    if (options.soak) soak.start();
     {
         Progress progress(stderr, plan.frames, [&state] { return state->snapshot(); });
         outcome = driver.run();
     }
+    const std::vector<SoakSample> soakSamples = soak.stop();
 
     RunReport report;
     report.module = modulePath.substr(modulePath.rfind('/') + 1);
@@ -177,6 +181,12 @@ int run(const Options& options) {
     report.violations = state->violations();
     report.frames = state->frameRecords();
     fputs(summaryText(report).c_str(), stdout);
+    bool soakGrew = false;
+    if (options.soak) {
+        const SoakVerdict verdict = judgeSoak(soakSamples, plan.frames);
+        printf("%s\n", verdict.text.c_str());
+        soakGrew = verdict.grew;
+    }
     fflush(stdout);
 
     if (!options.jsonPath.empty()) {
@@ -189,7 +199,7 @@ int run(const Options& options) {
     if (trace && !trace->write(options.tracePath)) {
         return setUpError("cannot write " + options.tracePath + ": " + strerror(errno));
     }
-    return report.violations.empty() ? kExitPassed : kExitRulesBroken;
+    return report.violations.empty() && !soakGrew ? kExitPassed : kExitRulesBroken;
 }
 
 }  // namespace

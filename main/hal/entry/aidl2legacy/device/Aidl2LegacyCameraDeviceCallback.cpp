@@ -6,9 +6,11 @@
 #include <aidl/android/hardware/common/NativeHandle.h>
 #include <aidl2legacy/common/BufferHandle.h>
 #include <aidl2legacy/common/IBufferHandleCacheMgr.h>
+#include <aidl2legacy/utils/EnumValue.h>
 #include <aidl2legacy/utils/MetadataConversion.h>
 #include <aidl2legacy/utils/NativeHandleConversion.h>
 #include <android/binder_auto_utils.h>
+#include <android/log.h>
 #include <system/camera_metadata.h>
 #include <unistd.h>
 
@@ -330,6 +332,19 @@ bool Aidl2LegacyCameraDeviceCallback::BufferComparator::operator()(const native_
 void Aidl2LegacyCameraDeviceCallback::pushBufferId(const native_handle* const& handle,
                                                    uint64_t bufferId, int streamId) {
     std::lock_guard<std::mutex> guard(mBufferIdLock);
+    recordBufferIdLocked(handle, bufferId, streamId);
+}
+
+void Aidl2LegacyCameraDeviceCallback::pushBufferId(const BufferHandle& buffer, uint64_t bufferId,
+                                                   int streamId) {
+    const native_handle* handle = *buffer.buffer;
+    std::lock_guard<std::mutex> guard(mBufferIdLock);
+    recordBufferIdLocked(handle, bufferId, streamId);
+    if (buffer.imported != nullptr) mBufferOwners[streamId].emplace(handle, buffer.imported);
+}
+
+void Aidl2LegacyCameraDeviceCallback::recordBufferIdLocked(const native_handle* handle,
+                                                           uint64_t bufferId, int streamId) {
     BufferIdMap& ids = mBufferIdMap.try_emplace(streamId).first->second;
     // An equal key already present keeps its first handle pointer; only the id changes.
     ids[handle] = bufferId;
@@ -337,8 +352,19 @@ void Aidl2LegacyCameraDeviceCallback::pushBufferId(const native_handle* const& h
 
 uint64_t Aidl2LegacyCameraDeviceCallback::popBufferId(const native_handle* const& handle,
                                                       int streamId) {
+    // Released after the lock: the last holder of a buffer closes its fds.
+    std::shared_ptr<ImportedBuffer> released;
     std::lock_guard<std::mutex> guard(mBufferIdLock);
     if (handle == nullptr) return 0;
+    // The device gave this handle back: one share of it goes, even when its id is gone already (a
+    // buffer handed over twice under one id). A map key equal to it is erased below, if any.
+    if (auto owners = mBufferOwners.find(streamId); owners != mBufferOwners.end()) {
+        if (auto owner = owners->second.find(handle); owner != owners->second.end()) {
+            released = std::move(owner->second);
+            owners->second.erase(owner);
+            if (owners->second.empty()) mBufferOwners.erase(owners);
+        }
+    }
     auto stream = mBufferIdMap.find(streamId);
     if (stream == mBufferIdMap.end()) return 0;
     auto entry = stream->second.find(handle);
@@ -377,7 +403,7 @@ void Aidl2LegacyCameraDeviceCallback::setValidBufNum(const std::unordered_map<in
 
 void Aidl2LegacyCameraDeviceCallback::giveBackValidBuffer(int32_t streamId, const char* caller) {
     std::lock_guard<std::mutex> guard(mValidBufferSizeLock);
-    uint32_t& count = mValidBufferSizeMap.at(streamId);
+    uint32_t& count = validBufferCountLocked(streamId);
     ++count;
     if (mLogLevel >= 3) {
         A2L_LOGD("[%s::%s] ValidBufferSizeMap streamId:%d size:%u", mName.c_str(), caller, streamId,
@@ -388,7 +414,17 @@ void Aidl2LegacyCameraDeviceCallback::giveBackValidBuffer(int32_t streamId, cons
 
 void Aidl2LegacyCameraDeviceCallback::takeValidBuffers(int32_t streamId, uint32_t count) {
     std::lock_guard<std::mutex> guard(mValidBufferSizeLock);
-    mValidBufferSizeMap.at(streamId) -= count;
+    validBufferCountLocked(streamId) -= count;
+}
+
+uint32_t& Aidl2LegacyCameraDeviceCallback::validBufferCountLocked(int32_t streamId) {
+    auto count = mValidBufferSizeMap.find(streamId);
+    if (count == mValidBufferSizeMap.end()) {
+        // What the device's libc++ does for at() without exceptions: an abort message, in place.
+        // libstdc++ would throw through the legacy device's thread instead.
+        __android_log_assert(nullptr, "libc++", "unordered_map::at: key not found");
+    }
+    return count->second;
 }
 
 camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuffers(
@@ -494,7 +530,7 @@ camera3_buffer_request_status Aidl2LegacyCameraDeviceCallback::requestStreamBuff
                         A2L_FATAL("[%s::%s] fail to find BufferHandle", mName.c_str(), __func__);
                     }
                     buffer.buffer = handle->second.buffer;
-                    pushBufferId(*buffer.buffer, static_cast<uint64_t>(buffers[j].bufferId),
+                    pushBufferId(handle->second, static_cast<uint64_t>(buffers[j].bufferId),
                                  answer.streamId);
                 }
                 break;
@@ -516,7 +552,7 @@ void Aidl2LegacyCameraDeviceCallback::waitForValidBuffers(const std::vector<Buff
                               std::chrono::nanoseconds(mBufferRequestTimeoutNs);
         const auto requested = static_cast<uint32_t>(request.numBuffersRequested);
         const bool covered = mValidBufferSizeCond.wait_until(lock, deadline, [&] {
-            return mValidBufferSizeMap.at(request.streamId) >= requested;
+            return validBufferCountLocked(request.streamId) >= requested;
         });
         if (!covered) {
             // The framework is asked regardless; it has the final word on its buffers.
@@ -524,7 +560,7 @@ void Aidl2LegacyCameraDeviceCallback::waitForValidBuffers(const std::vector<Buff
                     "[%s::%s] Wait for valid buffer timeout, StmId=%d, ValBufSize=%u, "
                     "NumBufReq=%d",
                     mName.c_str(), "requestStreamBuffers", request.streamId,
-                    mValidBufferSizeMap.at(request.streamId), request.numBuffersRequested);
+                    validBufferCountLocked(request.streamId), request.numBuffersRequested);
         }
     }
 }
@@ -537,12 +573,12 @@ void Aidl2LegacyCameraDeviceCallback::convertBufferRequest(const camera3_buffer_
 
 void Aidl2LegacyCameraDeviceCallback::convertBufferRequestStatus(const BufferRequestStatus& in,
                                                                  camera3_buffer_request_status& out) {
-    out = static_cast<camera3_buffer_request_status>(in);
+    setEnumValue(out, static_cast<int32_t>(in));
 }
 
 void Aidl2LegacyCameraDeviceCallback::convertBufferRequestError(
         const StreamBufferRequestError& in, camera3_stream_buffer_req_status& out) {
-    out = static_cast<camera3_stream_buffer_req_status>(in);
+    setEnumValue(out, static_cast<int32_t>(in));
 }
 
 void Aidl2LegacyCameraDeviceCallback::convertStreamBuffer(const StreamBuffer& in,

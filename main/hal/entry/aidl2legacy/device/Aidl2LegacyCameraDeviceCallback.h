@@ -13,9 +13,10 @@
  * - The trampolines run on the legacy device's threads; results and notifications may arrive at
  *   once. The setters and getCaptureResultMetadataQueue run on binder threads (through the
  *   session).
- * - mBufferIdLock guards mBufferIdMap; mValidBufferSizeLock guards mValidBufferSizeMap and is the
- *   mutex of mValidBufferSizeCond; mBufferHandleCacheMgrLock is taken only while the cache manager
- *   is replaced. The three are never held together, and no framework call is made under them.
+ * - mBufferIdLock guards mBufferIdMap and mBufferOwners; mValidBufferSizeLock guards
+ *   mValidBufferSizeMap and is the mutex of mValidBufferSizeCond; mBufferHandleCacheMgrLock is
+ *   taken only while the cache manager is replaced. The three are never held together, and no
+ *   framework call is made under them.
  * - mCallback and mStreamMap are replaced and read without a lock: callers replace them only while
  *   no results flow. The result queue has a single writer by contract.
  */
@@ -55,6 +56,8 @@
 namespace kovo::aidl2legacy {
 
 class IBufferHandleCacheMgr;
+class ImportedBuffer;
+struct BufferHandle;
 
 class Aidl2LegacyCameraDeviceCallback : public camera3_callback_ops {
 public:
@@ -170,8 +173,8 @@ public:
 
 protected:
     // The counting protocol of the valid-buffer counts, for the result, request and return
-    // paths. Both look the stream up with at(): a stream missing from the counts ends the
-    // process. Counts are unsigned and wrap.
+    // paths. Both look the stream up as at() does (validBufferCountLocked): a stream missing from
+    // the counts ends the process. Counts are unsigned and wrap.
     //
     // One buffer came back: +1, a debug log naming `caller` (at mLogLevel >= 3), notify_all.
     void giveBackValidBuffer(int32_t streamId, const char* caller);
@@ -183,12 +186,24 @@ private:
 
     using BufferIdMap =
             std::unordered_map<const native_handle*, uint64_t, BufferHasher, BufferComparator>;
+    // By the very handle pointer the device was given, one share per hand-over.
+    using BufferOwners =
+            std::unordered_multimap<const native_handle*, std::shared_ptr<ImportedBuffer>>;
 
     static Aidl2LegacyCameraDeviceCallback* fromOps(const camera3_callback_ops* ops);
+
+    // pushBufferId for a buffer handed to the device, which also keeps the imported buffer alive
+    // until the device gives the handle back.
+    void pushBufferId(const BufferHandle& buffer, uint64_t bufferId, int streamId);
+    // Records the id. mBufferIdLock held.
+    void recordBufferIdLocked(const native_handle* handle, uint64_t bufferId, int streamId);
 
     // A buffer the device hands back (in a result or a return), with the framework's id popped
     // from the id map (0 when unknown) and its release fence adopted.
     void convertReturnedBuffer(const camera3_stream_buffer& in, StreamBuffer& out);
+    // The count of `streamId`, or the end of the process with the text a build without exceptions
+    // gives for at() on a missing key, on every build. mValidBufferSizeLock held.
+    uint32_t& validBufferCountLocked(int32_t streamId);
     // Blocks until each stream's count covers its request, at most one timeout per stream.
     void waitForValidBuffers(const std::vector<BufferRequest>& requests);
 
@@ -205,7 +220,12 @@ private:
     int32_t mBufferRequestTimeoutNs;
     std::map<int32_t, Camera3Stream> mStreamMap;
     std::mutex mBufferIdLock;
-    std::unordered_map<int32_t, BufferIdMap> mBufferIdMap;  // guarded by mBufferIdLock
+    // Per stream, the imported buffers handed to the device: the keys of mBufferIdMap and the
+    // device's buffer_handle_t slots point into them, so each stays, whatever the cache does
+    // meanwhile, until the device gives that handle back (a pop with it, whether or not an id is
+    // found) or this bridge goes. Declared first so that it goes after the id map.
+    std::unordered_map<int32_t, BufferOwners> mBufferOwners;  // guarded by mBufferIdLock
+    std::unordered_map<int32_t, BufferIdMap> mBufferIdMap;    // guarded by mBufferIdLock
 };
 
 }  // namespace kovo::aidl2legacy

@@ -91,15 +91,18 @@ int32_t BufferHandleCacheMgr::importRequestBuffers(const std::vector<CaptureRequ
         cache.frameNumber = request.frameNumber;
         auto resolveInto = [&](const StreamBuffer& buffer) {
             if (namesNoBuffer(buffer)) return;
-            BufferHandle handle;
-            int32_t status = resolveLocked(buffer, &handle);
+            Buffers::iterator found;
+            int32_t status = resolveLocked(buffer, &found);
             if (status != 0) {
                 ALOGE("%s: frame %d left without buffer %" PRId64 " of stream %d: %s", __func__,
                       request.frameNumber, buffer.bufferId, buffer.streamId, strerror(-status));
                 if (result == 0) result = status;
                 return;
             }
-            cache.bufferHandles.insert_or_assign(buffer.streamId, handle);
+            // No share of the buffer here: the request path takes no reference count.
+            cache.bufferHandles.insert_or_assign(buffer.streamId,
+                                                 BufferHandle{buffer.streamId, buffer.bufferId,
+                                                              found->second->handle(), nullptr});
         };
         resolveInto(request.inputBuffer);
         for (const auto& buffer : request.outputBuffers) resolveInto(buffer);
@@ -116,15 +119,18 @@ int32_t BufferHandleCacheMgr::importStreamBuffers(const std::vector<StreamBuffer
 
     int32_t result = 0;
     for (const auto& buffer : buffers) {
-        BufferHandle handle;
-        int32_t status = namesNoBuffer(buffer) ? -EINVAL : resolveLocked(buffer, &handle);
+        Buffers::iterator found;
+        int32_t status = namesNoBuffer(buffer) ? -EINVAL : resolveLocked(buffer, &found);
         if (status != 0) {
             ALOGE("%s: left out buffer %" PRId64 " of stream %d: %s", __func__, buffer.bufferId,
                   buffer.streamId, strerror(-status));
             if (result == 0) result = status;
             continue;
         }
-        handles.insert_or_assign(buffer.bufferId, handle);
+        // The device keeps this buffer until it gives it back, whatever the cache does meanwhile.
+        handles.insert_or_assign(buffer.bufferId,
+                                 BufferHandle{buffer.streamId, buffer.bufferId,
+                                              found->second->handle(), found->second});
     }
     return result;
 }
@@ -136,7 +142,7 @@ int32_t BufferHandleCacheMgr::getBufferHandle(int32_t streamId, int64_t bufferId
     if (mClosed) return failClosed(__func__);
     auto it = mBuffers.find(Key{streamId, bufferId});
     if (it == mBuffers.end()) return -ENOENT;
-    *handle = BufferHandle{streamId, bufferId, it->second.handle()};
+    *handle = BufferHandle{streamId, bufferId, it->second->handle(), nullptr};
     return 0;
 }
 
@@ -155,7 +161,7 @@ int32_t BufferHandleCacheMgr::dump(int fd) {
         return -errno;
     }
     for (auto& [key, buffer] : mBuffers) {
-        buffer_handle_t handle = *buffer.handle();
+        buffer_handle_t handle = *buffer->handle();
         if (dprintf(fd, "  stream %d buffer %" PRId64 ": handle %p, %d fds, %d ints\n", key.first,
                     key.second, handle, handle->numFds, handle->numInts) < 0) {
             return -errno;
@@ -170,7 +176,7 @@ int32_t BufferHandleCacheMgr::resetCacheMgr() {
     return 0;
 }
 
-int32_t BufferHandleCacheMgr::resolveLocked(const StreamBuffer& buffer, BufferHandle* handle) {
+int32_t BufferHandleCacheMgr::resolveLocked(const StreamBuffer& buffer, Buffers::iterator* found) {
     const Key key{buffer.streamId, buffer.bufferId};
     auto it = mBuffers.find(key);
     if (!android::isAidlNativeHandleEmpty(buffer.buffer)) {
@@ -178,14 +184,18 @@ int32_t BufferHandleCacheMgr::resolveLocked(const StreamBuffer& buffer, BufferHa
         int32_t status = importLocked(buffer, &imported);
         if (status != 0) return status;
         if (it == mBuffers.end()) {
-            it = mBuffers.try_emplace(key, *mImporter, imported).first;
+            it = mBuffers.emplace(key, std::make_shared<ImportedBuffer>(mImporter, imported)).first;
+        } else if (it->second.use_count() == 1) {
+            // Nobody else holds the old buffer: the new one takes its place at the same address.
+            it->second->reset(imported);
         } else {
-            it->second.reset(imported);
+            // The device still holds the old buffer; it goes when the device gives it back.
+            it->second = std::make_shared<ImportedBuffer>(mImporter, imported);
         }
     } else if (it == mBuffers.end()) {
         return -ENOENT;
     }
-    *handle = BufferHandle{key.first, key.second, it->second.handle()};
+    *found = it;
     return 0;
 }
 

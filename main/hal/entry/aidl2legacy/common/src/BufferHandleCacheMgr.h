@@ -1,8 +1,9 @@
 /*
  * Our IBufferHandleCacheMgr: imported buffers in one ordered map keyed by (stream id, buffer id),
  * so that the buffers of one stream sit together. Made by IBufferHandleCacheMgr::create(); owns
- * its importer and every handle imported through it. mLock guards all state and is held for the
- * whole of each operation, importer calls included.
+ * its importer and every handle imported through it, sharing a buffer it handed out for the
+ * device's buffer manager with the BufferHandle it went out in. mLock guards all state and is held
+ * for the whole of each operation, importer calls included.
  */
 #pragma once
 
@@ -34,17 +35,18 @@ public:
 private:
     // Stream id, buffer id.
     using Key = std::pair<int32_t, int64_t>;
+    using Buffers = std::map<Key, std::shared_ptr<ImportedBuffer>>;
 
-    // Imports `buffer` when it carries a handle, else finds it in the cache. mLock held.
-    int32_t resolveLocked(const StreamBuffer& buffer, BufferHandle* handle);
+    // Imports `buffer` when it carries a handle, else finds it in the cache; `*found` is its
+    // entry. mLock held.
+    int32_t resolveLocked(const StreamBuffer& buffer, Buffers::iterator* found);
     // Imports the buffer `buffer` carries into `*imported`. mLock held.
     int32_t importLocked(const StreamBuffer& buffer, buffer_handle_t* imported);
 
     std::mutex mLock;
     bool mClosed = false;
-    // Declared before the buffers, which release their handles through it.
-    const std::unique_ptr<IBufferImporter> mImporter;
-    std::map<Key, ImportedBuffer> mBuffers;
+    const std::shared_ptr<IBufferImporter> mImporter;
+    Buffers mBuffers;
 };
 
 }  // namespace kovo::aidl2legacy

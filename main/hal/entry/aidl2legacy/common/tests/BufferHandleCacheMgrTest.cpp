@@ -196,7 +196,12 @@ TEST_F(BufferHandleCacheMgrTest, BufferManagerBuffersAreKeyedByBufferIdInTheSame
     ASSERT_EQ(1u, again.size());
     EXPECT_EQ(handles.at(101).buffer, again.at(101).buffer);
     EXPECT_EQ(handles.at(100).buffer, importRequest(1, makeBuffers({{4, 100}}, false)).at(4).buffer);
+    // The device may still hold them: they outlive the cache until the last handle lets go.
     mMgr.reset();
+    EXPECT_EQ(2, extraFds());
+    EXPECT_EQ(1, (*handles.at(101).buffer)->numFds);
+    handles.clear();
+    again.clear();
     EXPECT_EQ(0, extraFds());
 }
 

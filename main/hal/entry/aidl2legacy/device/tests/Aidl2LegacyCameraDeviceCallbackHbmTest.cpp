@@ -1,10 +1,14 @@
+#include <aidl2legacy/utils/EnumValue.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdint>
+#include <functional>
+#include <limits>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "BufferHandleCacheMgrSeam.h"
@@ -153,6 +157,25 @@ TEST_F(HbmTest, PartialAnswerFillsEachRecordByItsKind) {
     EXPECT_EQ(12u, mBridge->popBufferId(request.handle(1, 1), 5));
 }
 
+// An error value the legacy enum does not know reaches the device unchanged.
+TEST_F(HbmTest, EveryRequestErrorValuePassesThroughUnchanged) {
+    for (const int32_t value : {int32_t{CAMERA3_PS_BUF_REQ_MAX_BUFFER_EXCEEDED},
+                                int32_t{0x40000000}, std::numeric_limits<int32_t>::min()}) {
+        SCOPED_TRACE(value);
+        mFramework->setBufferRequestHandler([value](const std::vector<BufferRequest>&,
+                                                    std::vector<StreamBufferRet>* answers,
+                                                    BufferRequestStatus* status) {
+            answers->emplace_back().streamId = 9;
+            answers->back().val.set<StreamBuffersVal::error>(StreamBufferRequestError(value));
+            *status = BufferRequestStatus::FAILED_PARTIAL;
+            return ndk::ScopedAStatus::ok();
+        });
+        DeviceBufferRequest request({{stream(9), 1}});
+        EXPECT_EQ(CAMERA3_BUF_REQ_FAILED_PARTIAL, request.send(ops()));
+        EXPECT_EQ(value, enumValue(request.records[0].status));
+    }
+}
+
 // Nothing is imported, no record is touched and no credit is taken.
 TEST_F(HbmTest, RefusedOrBrokenAnswersLeaveEverythingAsItWas) {
     struct Case {
@@ -256,6 +279,7 @@ TEST_F(HbmTest, ShortCountWaitsThenAsksAnyway) {
     EXPECT_THAT(counts(), UnorderedElementsAre(Pair(5, 4u), Pair(9, 4294967295u)));
     giveBack(request, {{0, 0}});
     EXPECT_THAT(counts(), UnorderedElementsAre(Pair(5, 4u), Pair(9, 0u)));
+    giveBack(request, {{0, 1}, {0, 2}});
 }
 
 // One credit per returned buffer; a buffer returned twice carries no id and no credit the second
@@ -309,6 +333,77 @@ TEST_F(HbmTest, FailedReturnKeepsTheCreditButSpendsIdsAndFences) {
     EXPECT_TRUE(logged(kPrefix +
                        "returnStreamBuffers] returnStreamBuffers transaction failed: dead "
                        "framework."));
+}
+
+// The framework makes the cache let go of a buffer the device still holds: the buffer stays open
+// and keeps its id until the device gives it back, then closes. Another buffer handed out
+// meanwhile (whose handle may hash like the dropped one) keeps its own id.
+TEST_F(HbmTest, BufferTheCacheDropsStaysWithTheDeviceUntilItComesBack) {
+    using Drop = std::function<void(IBufferHandleCacheMgr&, int64_t bufferId)>;
+    const std::vector<std::pair<std::string, Drop>> drops = {
+            {"stream left the configuration",
+             [](IBufferHandleCacheMgr& cache, int64_t) {
+                 IBufferHandleCacheMgr::StreamConfiguration configuration;
+                 configuration.streams.emplace_back().id = 9;
+                 cache.configureStreams(configuration);
+             }},
+            {"cache entry removed",
+             [](IBufferHandleCacheMgr& cache, int64_t bufferId) {
+                 cache.removeBufferCaches({{5, bufferId}});
+             }},
+            {"new handle sent for the id",
+             [](IBufferHandleCacheMgr& cache, int64_t bufferId) {
+                 std::vector<IBufferHandleCacheMgr::CaptureRequest> requests(1);
+                 requests[0].outputBuffers.push_back(frameworkBuffer(5, bufferId));
+                 std::vector<RequestBufferCache> caches;
+                 cache.importRequestBuffers(requests, &caches);
+             }},
+    };
+    for (const auto& [name, drop] : drops) {
+        SCOPED_TRACE(name);
+        DeviceBufferRequest held({{stream(5), 1}});
+        ASSERT_EQ(CAMERA3_BUF_REQ_OK, held.send(ops()));
+        const int64_t heldId = mLastBufferId;
+        const int heldFd = held.handle(0, 0)->data[0];
+        drop(*mCacheMgr, heldId);
+        EXPECT_TRUE(isOpen(heldFd));
+
+        DeviceBufferRequest other({{stream(5), 1}});
+        ASSERT_EQ(CAMERA3_BUF_REQ_OK, other.send(ops()));
+        giveBack(held, {{0, 0}});
+        EXPECT_THAT(idsOf(mFramework->returnedBuffers().back()), ElementsAre(heldId));
+        EXPECT_FALSE(isOpen(heldFd));
+        giveBack(other, {{0, 0}});
+        EXPECT_THAT(idsOf(mFramework->returnedBuffers().back()), ElementsAre(mLastBufferId));
+        EXPECT_THAT(counts(), UnorderedElementsAre(Pair(5, 4u), Pair(9, 2u)));
+    }
+}
+
+// A framework that hands one buffer out twice in one answer: the device holds it twice, and it
+// stays open until both come back, whatever the cache does. The id goes with the first.
+TEST_F(HbmTest, BufferHandedOverTwiceStaysUntilBothComeBack) {
+    mFramework->setBufferRequestHandler([](const std::vector<BufferRequest>&,
+                                           std::vector<StreamBufferRet>* answers,
+                                           BufferRequestStatus* status) {
+        std::vector<StreamBuffer> buffers;
+        buffers.push_back(frameworkBuffer(5, 7));
+        buffers.push_back(frameworkBuffer(5, 7));
+        answers->push_back(frameworkAnswer(5, std::move(buffers)));
+        *status = BufferRequestStatus::OK;
+        return ndk::ScopedAStatus::ok();
+    });
+    DeviceBufferRequest twice({{stream(5), 2}});
+    ASSERT_EQ(CAMERA3_BUF_REQ_OK, twice.send(ops()));
+    const int fd = twice.handle(0, 1)->data[0];
+    mCacheMgr->removeBufferCaches({{5, 7}});
+    giveBack(twice, {{0, 0}});
+    EXPECT_TRUE(isOpen(fd));
+    giveBack(twice, {{0, 1}});
+    EXPECT_FALSE(isOpen(fd));
+    EXPECT_THAT(mFramework->returnedBuffers(),
+                ElementsAre(::testing::SizeIs(1), ::testing::SizeIs(1)));
+    EXPECT_THAT(idsOf(mFramework->returnedBuffers()[0]), ElementsAre(7));
+    EXPECT_THAT(idsOf(mFramework->returnedBuffers()[1]), ElementsAre(0));
 }
 
 // One capture through the whole library, the legacy device using the HAL buffer manager: the
@@ -378,11 +473,27 @@ TEST_F(HbmDeathTest, BrokenAnswersAndAMissingFrameworkEndTheProcess) {
     EXPECT_DEATH(lost.send(ops()), "::requestStreamBuffers\\] fail to find BufferHandle");
     mBridge->setBufferHandleCacheMgr(mCacheMgr);
 
-    // A stream outside the configuration has no count (see the result path's death test).
+    // A stream outside the configuration has no count, whether the device asks for it, the
+    // framework answers for it or the device gives a buffer of it back.
+    const std::string keyNotFound = "unordered_map::at: key not found";
     Camera3Stream unconfigured;
     unconfigured.id = 6;
     DeviceBufferRequest stray({{&unconfigured.stream, 1}});
-    EXPECT_DEATH([&]() noexcept { stray.send(ops()); }(), "");
+    EXPECT_DEATH(stray.send(ops()), keyNotFound);
+    mFramework->setBufferRequestHandler([](const std::vector<BufferRequest>&,
+                                           std::vector<StreamBufferRet>* answers,
+                                           BufferRequestStatus* status) {
+        answers->push_back(frameworkAnswer(6, {}));
+        *status = BufferRequestStatus::OK;
+        return ndk::ScopedAStatus::ok();
+    });
+    DeviceBufferRequest misanswered({{stream(5), 1}});
+    EXPECT_DEATH(misanswered.send(ops()), keyNotFound);
+    testing::DeviceBuffer buffer(41);
+    mBridge->pushBufferId(buffer.key(), 1, 6);
+    camera3_stream_buffer returned{&unconfigured.stream, buffer.pointer(), 0, -1, -1};
+    const camera3_stream_buffer* returnedBuffers[] = {&returned};
+    EXPECT_DEATH(ops()->return_stream_buffers(ops(), 1, returnedBuffers), keyNotFound);
 
     mBridge->setCallback(nullptr);
     DeviceBufferRequest none({});

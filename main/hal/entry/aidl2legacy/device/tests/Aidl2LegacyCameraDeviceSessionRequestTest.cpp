@@ -84,7 +84,7 @@ protected:
         RequestBufferCache cache;
         cache.frameNumber = frameNumber;
         for (const auto& [streamId, buffer] : buffers) {
-            cache.bufferHandles[streamId] = BufferHandle{streamId, 1, buffer};
+            cache.bufferHandles[streamId] = BufferHandle{streamId, 1, buffer, nullptr};
         }
         return cache;
     }

@@ -114,7 +114,8 @@ class BridgeTest : public LoggingTest {
 protected:
     BridgeTest() { startBridge(0); }
     void SetUp() override { mOpenFds = countOpenFds(); }
-    // The cache keeps the handles it imported until it is reset.
+    // The cache keeps the handles it imported until it is reset; the bridge keeps those the device
+    // still holds, so tests give back every buffer they were handed.
     void TearDown() override {
         mCacheMgr->resetCacheMgr();
         EXPECT_EQ(mOpenFds, countOpenFds());

@@ -1,5 +1,6 @@
 #define LOG_TAG "tarnic_hal_aidl2legacy_utils"
 
+#include <aidl2legacy/utils/EnumValue.h>
 #include <aidl2legacy/utils/StreamConversion.h>
 #include <log/log.h>
 
@@ -24,7 +25,7 @@ int32_t convertStream(const Stream& in, Camera3Stream& out) {
     stream.height = static_cast<uint32_t>(in.height);
     stream.format = static_cast<int>(in.format);
     stream.usage = static_cast<uint32_t>(in.usage);
-    stream.data_space = static_cast<android_dataspace_t>(in.dataSpace);
+    setEnumValue(stream.data_space, static_cast<int32_t>(in.dataSpace));
     stream.rotation = static_cast<int>(in.rotation);
     if (out.setPhysicalCameraId(in.physicalCameraId) != 0) {
         ALOGE("%s: stream %d: physical camera id of %zu bytes does not fit in %zu", __func__, in.id,
@@ -74,7 +75,7 @@ int32_t convertHalStreamConfiguration(const camera3_stream_configuration& in,
         if (stream->stream_type != CAMERA3_STREAM_INPUT) halStream.producerUsage = usage;
         if (stream->stream_type != CAMERA3_STREAM_OUTPUT) halStream.consumerUsage = usage;
         halStream.maxBuffers = static_cast<int32_t>(stream->max_buffers);
-        halStream.overrideDataSpace = static_cast<Dataspace>(stream->data_space);
+        halStream.overrideDataSpace = static_cast<Dataspace>(enumValue(stream->data_space));
         // Read from the record's own storage: bounded, whatever the pointer holds.
         halStream.physicalCameraId.assign(
                 record.physicalCameraId,

@@ -1,4 +1,5 @@
 #include <aidl/android/hardware/camera/common/Status.h>
+#include <aidl2legacy/utils/EnumValue.h>
 #include <aidl2legacy/utils/MetadataConversion.h>
 #include <aidl2legacy/utils/NativeHandleConversion.h>
 #include <aidl2legacy/utils/StatusConversion.h>
@@ -10,6 +11,7 @@
 #include <cerrno>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -195,6 +197,28 @@ TEST(ConversionTest, StreamsComeBackAsTheDeviceLeftThemInSlotOrder) {
     slots[1] = nullptr;
     EXPECT_EQ(-EINVAL, convertHalStreamConfiguration(configuration, halStreams));
     EXPECT_TRUE(halStreams.empty());
+}
+
+// Data spaces are bit fields; the framework may set bits no legacy enumerator has.
+TEST(ConversionTest, EveryDataSpacePassesThroughBothWaysUnchanged) {
+    for (const int32_t value : {int32_t{HAL_DATASPACE_V0_JFIF}, int32_t{0x40000000},
+                                std::numeric_limits<int32_t>::min(), int32_t{-1}}) {
+        SCOPED_TRACE(value);
+        Stream in = makeStream(4, StreamType::OUTPUT, PixelFormat::BLOB, "");
+        in.dataSpace = Dataspace(value);
+        Camera3Stream record{};
+        ASSERT_EQ(0, convertStream(in, record));
+        EXPECT_EQ(value, enumValue(record.stream.data_space));
+
+        camera3_stream_t* slots[] = {&record.stream};
+        camera3_stream_configuration configuration{};
+        configuration.num_streams = 1;
+        configuration.streams = slots;
+        std::vector<HalStream> halStreams;
+        ASSERT_EQ(0, convertHalStreamConfiguration(configuration, halStreams));
+        ASSERT_EQ(1u, halStreams.size());
+        EXPECT_EQ(Dataspace(value), halStreams[0].overrideDataSpace);
+    }
 }
 
 TEST(ConversionTest, StreamAttributesAreKeptAndWhatDoesNotFitIsLeftOut) {

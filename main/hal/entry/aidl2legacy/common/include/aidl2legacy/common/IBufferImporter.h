@@ -2,7 +2,8 @@
  * How IBufferHandleCacheMgr turns a framework buffer into a handle it may keep: a device build
  * imports through the platform's buffer mapper, the host clones the handle
  * (CloningBufferImporter), tests inject their own. Owned by the cache manager, which calls it
- * under its own lock; an implementation needs no lock of its own unless it shares state.
+ * under its own lock, and by the imported buffers it made: freeBuffer() runs on whichever thread
+ * lets go of a buffer last, outside that lock. An implementation that keeps state locks it.
  */
 #pragma once
 
